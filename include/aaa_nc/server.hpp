@@ -1,0 +1,31 @@
+// What the RADIUS and the TACACS server record have in common.
+#pragma once
+
+#include "aaa_nc/layout.hpp"
+
+// The group and address of a server.
+struct AaaNcServerName {
+    char groupName[33];         // NUL-terminated, at most 32 characters
+    char Addr[48];              // address text, NUL-terminated, at most 47 characters
+    std::uint8_t family;        // 2 IPv4, 10 IPv6
+    std::uint8_t reserved82[2]; // zero
+};
+
+AAA_NC_FIELD(AaaNcServerName, groupName, 0, 33);
+AAA_NC_FIELD(AaaNcServerName, Addr, 33, 48);
+AAA_NC_FIELD(AaaNcServerName, family, 81, 1);
+AAA_NC_FIELD(AaaNcServerName, reserved82, 82, 2);
+AAA_NC_RECORD(AaaNcServerName, 84);
+
+// The shared key (RFC 2865 section 3, RFC 8907 section 4.5). One of the two
+// texts holds it, the other is empty.
+struct AaaNcServerKey {
+    char plainKey[128];    // NUL-terminated, at most 127 characters
+    std::uint32_t keyType; // 0 plain, 1 cipher
+    char cipherKey[260];   // NUL-terminated, at most 259 characters
+};
+
+AAA_NC_FIELD(AaaNcServerKey, plainKey, 0, 128);
+AAA_NC_FIELD(AaaNcServerKey, keyType, 128, 4);
+AAA_NC_FIELD(AaaNcServerKey, cipherKey, 132, 260);
+AAA_NC_RECORD(AaaNcServerKey, 392);
