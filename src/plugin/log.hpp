@@ -1,0 +1,80 @@
+// The log channel: two severities, gated by the daemon's log level, sent to the
+// device's log sink.
+//
+// The level is read afresh at every line and tested before any argument is
+// worked out. `function` is the name of the operation that logs, even where it
+// is folded into another function. Arguments that do not fit their text do not
+// compile: a text written at the log line is held by the sink's printf
+// attribute, a text that stands in a table by AaaNcLogText.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "nlog.h"
+#include "sysrepo.h"
+
+// What every line starts with: severity, function, line number.
+#define AAA_NC_LOG_PREFIX "[%s] (%s:%d) [AAA-NC]"
+
+// A text for a table of AaaNcLogText.
+#define AAA_NC_LOG_TEXT(text) AAA_NC_LOG_PREFIX text
+
+#define AAA_NC_DBG(function, text, ...)                                                            \
+    AAA_NC_DBG_FORMAT(function, AAA_NC_LOG_PREFIX text, __VA_ARGS__)
+#define AAA_NC_ERR(function, text, ...)                                                            \
+    AAA_NC_ERR_FORMAT(function, AAA_NC_LOG_PREFIX text, __VA_ARGS__)
+
+// The same with a whole format, prefix included.
+#define AAA_NC_DBG_FORMAT(function, format, ...)                                                   \
+    AAA_NC_LOG(srp_ll_syslog >= 4, 7, 3, "DBG", function, format, __VA_ARGS__)
+#define AAA_NC_ERR_FORMAT(function, format, ...)                                                   \
+    AAA_NC_LOG(srp_ll_syslog != 0, 8, 4, "ERR", function, format, __VA_ARGS__)
+
+#define AAA_NC_LOG(enabled, severityClass, level, tag, function, format, ...)                      \
+    do {                                                                                           \
+        if (enabled) {                                                                             \
+            NLOG_Send(483, "PLUGIN", severityClass, level, format, tag, function, __LINE__,        \
+                      __VA_ARGS__);                                                                \
+        }                                                                                          \
+    } while (false)
+
+// The conversion that prints an argument of type T.
+template <typename T> inline constexpr char aaaNcConversion = 0;
+template <> inline constexpr char aaaNcConversion<const char *> = 's';
+template <> inline constexpr char aaaNcConversion<std::int32_t> = 'd';
+template <> inline constexpr char aaaNcConversion<std::uint32_t> = 'd';
+
+// Whether `format` is the prefix and a text with one conversion for each of Args.
+template <typename... Args> constexpr bool aaaNcLogTextFits(const char *format)
+{
+    for (const char *prefix = AAA_NC_LOG_PREFIX; *prefix != '\0'; ++prefix, ++format) {
+        if (*format != *prefix) {
+            return false;
+        }
+    }
+    constexpr char conversions[] = {aaaNcConversion<Args>..., '\0'};
+    const char *conversion = conversions;
+    for (; *format != '\0'; ++format) {
+        if (*format == '%' && *++format != *conversion++) {
+            return false;
+        }
+    }
+    return *conversion == '\0';
+}
+
+void aaaNcLogTextDoesNotFitItsArguments(); // never defined
+
+// A text of a table, printed with arguments of types Args. Null where a handler
+// has no such line.
+template <typename... Args> struct AaaNcLogText {
+    const char *format = nullptr;
+
+    constexpr AaaNcLogText() = default;
+    constexpr AaaNcLogText(const char *text) : format(text)
+    {
+        if (!aaaNcLogTextFits<Args...>(text)) {
+            aaaNcLogTextDoesNotFitItsArguments();
+        }
+    }
+};

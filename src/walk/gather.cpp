@@ -1,0 +1,46 @@
+#include "walk/gather.hpp"
+
+const AaaNcLeaf *aaaNcLeafFind(const AaaNcLeafTable &table, const char *name)
+{
+    if (std::strncmp(name, table.prefix.text, table.prefix.length) != 0) {
+        return nullptr;
+    }
+    name += table.prefix.length;
+    const std::size_t length = std::strlen(name);
+    for (std::size_t i = 0; i < table.count; ++i) {
+        const AaaNcLeaf &leaf = table.leaves[i];
+        if (leaf.name.length == length && std::memcmp(leaf.name.text, name, length) == 0) {
+            return &leaf;
+        }
+    }
+    return nullptr;
+}
+
+int aaaNcLeafStore(AaaNcGather &gather, const AaaNcLeaf &leaf, const AaaNcChange &change)
+{
+    gather.seen |= leaf.seen;
+    return leaf.store(gather, leaf, *change.value);
+}
+
+int aaaNcTextStore(AaaNcGather &gather, const AaaNcLeaf &leaf, const sr_val_t &value)
+{
+    aaaNcTextCopy(gather.record + leaf.offset, aaaNcValueText(value), leaf.size);
+    return 0;
+}
+
+// Every number of a record takes 32 bits.
+static int numberStore(AaaNcGather &gather, const AaaNcLeaf &leaf, std::uint32_t number)
+{
+    std::memcpy(gather.record + leaf.offset, &number, sizeof(number));
+    return 0;
+}
+
+int aaaNcUint8Store(AaaNcGather &gather, const AaaNcLeaf &leaf, const sr_val_t &value)
+{
+    return numberStore(gather, leaf, value.data.uint8_val);
+}
+
+int aaaNcUint16Store(AaaNcGather &gather, const AaaNcLeaf &leaf, const sr_val_t &value)
+{
+    return numberStore(gather, leaf, value.data.uint16_val);
+}

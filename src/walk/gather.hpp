@@ -1,0 +1,81 @@
+// Gathering the changed leaves of a list entry into one record.
+//
+// A table row says which leaf goes where in the record, and how it is stored. A
+// new leaf is one row here and one member of the record.
+#pragma once
+
+#include <cstring>
+
+#include "walk/walk.hpp"
+
+// A name with its length, so that most rows are passed over without a look at
+// their text.
+struct AaaNcName {
+    const char *text;
+    std::size_t length;
+
+    template <std::size_t N> constexpr AaaNcName(const char (&name)[N]) : text(name), length(N - 1)
+    {
+    }
+};
+
+struct AaaNcGather;
+
+struct AaaNcLeaf {
+    AaaNcName name;
+    std::uint32_t seen; // bits that tell that it was there
+    // Stores the value. A result other than 0 ends the walk.
+    int (*store)(AaaNcGather &gather, const AaaNcLeaf &leaf, const sr_val_t &value);
+    std::size_t offset; // of the field in the record
+    std::size_t size;   // of the field
+};
+
+// Offset and size of a leaf's field.
+#define AAA_NC_IN(record, member) offsetof(record, member), sizeof(record::member)
+
+// Leaves whose names start alike.
+struct AaaNcLeafTable {
+    AaaNcName prefix;
+    const AaaNcLeaf *leaves;
+    std::size_t count;
+
+    template <std::size_t N>
+    constexpr AaaNcLeafTable(AaaNcName start, const AaaNcLeaf (&rows)[N])
+        : prefix(start), leaves(rows), count(N)
+    {
+    }
+};
+
+// A walk that gathers.
+struct AaaNcGather : AaaNcWalk {
+    char *record;           // being filled
+    std::uint32_t seen = 0; // bits of the leaves that it holds
+
+    AaaNcGather(const AaaNcHandler &theHandler, void *theRecord)
+        : AaaNcWalk{theHandler}, record(static_cast<char *>(theRecord))
+    {
+    }
+};
+
+// The row of leaf `name`, or null.
+const AaaNcLeaf *aaaNcLeafFind(const AaaNcLeafTable &table, const char *name);
+
+// Stores the change's value as `leaf` says. A result other than 0 ends the walk.
+int aaaNcLeafStore(AaaNcGather &gather, const AaaNcLeaf &leaf, const AaaNcChange &change);
+
+// The text of a string value; a null one is empty.
+inline const char *aaaNcValueText(const sr_val_t &value)
+{
+    return value.data.string_val != nullptr ? value.data.string_val : "";
+}
+
+// Copies text into a zeroed field of `size` bytes, cut so that it stays terminated.
+inline void aaaNcTextCopy(char *field, const char *text, std::size_t size)
+{
+    std::strncpy(field, text, size - 1);
+}
+
+// Ways to store a value.
+int aaaNcTextStore(AaaNcGather &gather, const AaaNcLeaf &leaf, const sr_val_t &value);
+int aaaNcUint8Store(AaaNcGather &gather, const AaaNcLeaf &leaf, const sr_val_t &value);
+int aaaNcUint16Store(AaaNcGather &gather, const AaaNcLeaf &leaf, const sr_val_t &value);
