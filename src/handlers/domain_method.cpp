@@ -200,9 +200,9 @@ static int methodSend(MethodWalk &walk)
         return AAA_NC_REFUSED;
     }
     if (walk.cmdoverflag && list.setByNode.format != nullptr) {
-        AAA_NC_DBG_FORMAT(function, list.setByNode.format, info.domainName, info.type, "true");
+        AAA_NC_DBG_OF(function, list.setByNode, info.domainName, info.type, "true");
     } else {
-        AAA_NC_DBG_FORMAT(function, list.set.format, info.domainName, info.type);
+        AAA_NC_DBG_OF(function, list.set, info.domainName, info.type);
     }
     aaaNcWalkParamSet(walk, AAA_NC_MSG_DOMAIN_METHOD, sizeof(info), &info);
     return aaaNcWalkSend(walk);

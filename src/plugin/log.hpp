@@ -17,27 +17,36 @@
 // What every line starts with: severity, function, line number.
 #define AAA_NC_LOG_PREFIX "[%s] (%s:%d) [AAA-NC]"
 
-// A text for a table of AaaNcLogText.
-#define AAA_NC_LOG_TEXT(text) AAA_NC_LOG_PREFIX text
-
+// A line whose text is written here.
 #define AAA_NC_DBG(function, text, ...)                                                            \
-    AAA_NC_DBG_FORMAT(function, AAA_NC_LOG_PREFIX text, __VA_ARGS__)
+    AAA_NC_DBG_SEND(function, AAA_NC_LOG_PREFIX text, __VA_ARGS__)
 #define AAA_NC_ERR(function, text, ...)                                                            \
-    AAA_NC_ERR_FORMAT(function, AAA_NC_LOG_PREFIX text, __VA_ARGS__)
+    AAA_NC_ERR_SEND(function, AAA_NC_LOG_PREFIX text, __VA_ARGS__)
 
-// The same with a whole format, prefix included.
-#define AAA_NC_DBG_FORMAT(function, format, ...)                                                   \
-    AAA_NC_LOG(srp_ll_syslog >= 4, 7, 3, "DBG", function, format, __VA_ARGS__)
-#define AAA_NC_ERR_FORMAT(function, format, ...)                                                   \
-    AAA_NC_LOG(srp_ll_syslog != 0, 8, 4, "ERR", function, format, __VA_ARGS__)
+// A line whose text is an AaaNcLogText.
+#define AAA_NC_DBG_OF(function, text, ...)                                                         \
+    AAA_NC_DBG_SEND(function, AAA_NC_FORMAT_OF(text, __VA_ARGS__), __VA_ARGS__)
+#define AAA_NC_ERR_OF(function, text, ...)                                                         \
+    AAA_NC_ERR_SEND(function, AAA_NC_FORMAT_OF(text, __VA_ARGS__), __VA_ARGS__)
 
-#define AAA_NC_LOG(enabled, severityClass, level, tag, function, format, ...)                      \
+// The two severities: when they are sent, their class and level, and their tag.
+#define AAA_NC_DBG_SEND(...) AAA_NC_SEND(srp_ll_syslog >= 4, 7, 3, "DBG", __VA_ARGS__)
+#define AAA_NC_ERR_SEND(...) AAA_NC_SEND(srp_ll_syslog != 0, 8, 4, "ERR", __VA_ARGS__)
+
+#define AAA_NC_SEND(enabled, severityClass, level, tag, function, format, ...)                     \
     do {                                                                                           \
         if (enabled) {                                                                             \
             NLOG_Send(483, "PLUGIN", severityClass, level, format, tag, function, __LINE__,        \
                       __VA_ARGS__);                                                                \
         }                                                                                          \
     } while (false)
+
+// The text's format, for arguments that it takes.
+#define AAA_NC_FORMAT_OF(text, ...)                                                                \
+    (sizeof((text).takes(__VA_ARGS__)) != 0 ? (text).format : nullptr)
+
+// A text for a table of AaaNcLogText.
+#define AAA_NC_LOG_TEXT(text) AAA_NC_LOG_PREFIX text
 
 // The conversion that prints an argument of type T.
 template <typename T> inline constexpr char aaaNcConversion = 0;
@@ -77,4 +86,6 @@ template <typename... Args> struct AaaNcLogText {
             aaaNcLogTextDoesNotFitItsArguments();
         }
     }
+
+    char takes(Args... args) const; // never defined; see AAA_NC_FORMAT_OF
 };

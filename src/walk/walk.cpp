@@ -29,15 +29,14 @@ static int oneLeafChangeParse(AaaNcWalk &walk, sr_val_t *oldValue, sr_val_t *new
         return handler.badChangeResult;
     }
     if (handler.text.change.format != nullptr) {
-        AAA_NC_DBG_FORMAT(function, handler.text.change.format, value->xpath, value->type,
-                          walk.oper);
+        AAA_NC_DBG_OF(function, handler.text.change, value->xpath, value->type, walk.oper);
     }
     const char *leaf = value->xpath != nullptr ? sr_xpath_node_name(value->xpath) : nullptr;
     if (leaf == nullptr) {
-        AAA_NC_ERR_FORMAT(function, handler.text.noLeaf.format, value->xpath);
+        AAA_NC_ERR_OF(function, handler.text.noLeaf, value->xpath);
         return handler.noLeafResult;
     }
-    AAA_NC_DBG_FORMAT(function, handler.text.node.format, leaf);
+    AAA_NC_DBG_OF(function, handler.text.node, leaf);
     return handler.change(walk, {walk.oper, value, leaf});
 }
 
@@ -74,7 +73,7 @@ int aaaNcChangesWalk(AaaNcWalk &walk, sr_session_ctx_t *session, const char *xpa
                      sr_notif_event_t event)
 {
     const AaaNcHandler &handler = walk.handler;
-    AAA_NC_DBG_FORMAT(handler.function.confChanges, handler.text.entry.format, xpath, event);
+    AAA_NC_DBG_OF(handler.function.confChanges, handler.text.entry, xpath, event);
     if (event != SR_EV_APPLY && event != SR_EV_ENABLED) {
         return 0;
     }
