@@ -321,6 +321,7 @@ struct EntryRun final : Recorder {
     std::size_t subscriptions = 0;
     std::int32_t unsubscribe_result = 0;
     std::vector<sr_subtree_change_cb> *capture = nullptr;
+    void *private_context = kUntouched;
 
     explicit EntryRun(const InitScenario &what) : scenario(what) {}
 
@@ -353,9 +354,8 @@ Trace runInit(const InitScenario &scenario, std::vector<sr_subtree_change_cb> *c
     running.capture = capture;
     const Current use(running);
     setLogLevel(scenario.log_level);
-    void *private_context = kUntouched;
-    const int result = plugin.init(sessionOf(running), &private_context);
-    running.record("private " + running.pointerName(private_context));
+    const int result = plugin.init(sessionOf(running), &running.private_context);
+    running.record("private " + running.pointerName(running.private_context));
     running.record("result " + std::to_string(result));
     return std::move(running.trace);
 }
@@ -754,6 +754,7 @@ int CMF_ClientServiceReg(const char *service, const void *record)
     std::string line = "register ";
     appendQuoted(line, service);
     line += ' ' + hexWord(word(record, 0)) + ' ' + hexWord(word(record, 1));
+    line += " private " + running.pointerName(running.private_context);
     running.recordResult(std::move(line), running.scenario.registration_result);
     return running.scenario.registration_result;
 }

@@ -60,7 +60,8 @@ struct InitScenario {
 //   subscribe <q xpath> callback#N private PTR priority P opts O into CONTEXT -> RC
 //       N: the row that this callback was captured from at load, ? for another;
 //       CONTEXT: null or context, as *subscription stands before the call
-//   register <q service> WORD WORD -> RC       the record, 8 hexadecimal digits each
+//   register <q service> WORD WORD private PTR -> RC
+//       the record, 8 hexadecimal digits a word; what *private_ctx holds by then
 //   private PTR                                what *private_ctx holds afterwards
 //   result N
 //

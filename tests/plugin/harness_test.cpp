@@ -1,0 +1,192 @@
+// The harness itself: mistakes in scenario files are named by their place, and a
+// run that is not what a case says is found out.
+#include "harness/fake_platform.hpp"
+#include "harness/scenario_file.hpp"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <fstream>
+
+#include <unistd.h>
+
+namespace aaanc::test
+{
+
+namespace
+{
+
+class ScenarioFile : public testing::Test
+{
+protected:
+    ~ScenarioFile() override
+    {
+        std::remove(path_.c_str());
+    }
+
+    std::vector<ScenarioCase> read(const std::string &text)
+    {
+        std::ofstream(path_) << text;
+        return readScenarioFile(path_);
+    }
+
+    // What reading `text` says, without the path.
+    std::string errorOf(const std::string &text)
+    {
+        try {
+            read(text);
+        } catch (const ScenarioError &error) {
+            return std::string(error.what()).substr(path_.size());
+        }
+        return "no error";
+    }
+
+    // What is wrong with the plug-in's run of a case that starts like this.
+    std::vector<std::string> findingsOf(const std::string &text)
+    {
+        const ScenarioCase played = read(kIntervalSet + text).front();
+        return mismatches(played, play(played.scenario));
+    }
+
+    const std::string kIntervalSet = "callback /orvek-aaa:sysAaa/aaaGlobal event 1\n"
+                                     "== a ==\n"
+                                     "created /orvek-aaa:sysAaa/aaaGlobal/accountInterval|21|15\n";
+
+private:
+    std::string path_ = testing::TempDir() + "scenario-" + std::to_string(getpid()) + ".scn";
+};
+
+using ReadingAFile = ScenarioFile;
+
+TEST_F(ReadingAFile, NamesThePlaceOfAMistake)
+{
+    const std::pair<const char *, const char *> mistakes[] = {
+        {"", ":0: holds no case"},
+        {"# only\n", ":1: holds no case"},
+        {"== a\n", ":1: a case starts with == TITLE =="},
+        {"== a ==\n", ":1: case 'a' has no result"},
+        {"== a ==\nresult 0\n== a ==\nresult 0\n", ":3: there is another case of this title"},
+        {"== a ==\nresult 0\nresult 0\n", ":3: a case has one result"},
+        {"result 0\n", ":1: 'result' does not belong before the first case"},
+        {"== a ==\n\nresults 0\n", ":3: 'results' is unknown"},
+        {"== a ==\nresult 0 7\n", ":2: '7' is too much"},
+        {"== a ==\nresult\n", ":2: '' is not a number in range"},
+        {"== a ==\nresult 0x\n", ":2: '0x' is not a number in range"},
+        {"== a ==\nresult 4294967296\n", ":2: '4294967296' is not a number in range"},
+        {"callback /orvek-aaa:sysAaa event 1\n",
+         ":1: nothing is subscribed to '/orvek-aaa:sysAaa'"},
+        {"callback /orvek-aaa:sysAaa/aaaGlobal 1\n", ":1: a callback is callback XPATH event N"},
+        {"== a ==\ncreated /a:b/c|18\n", ":2: a value is XPATH|TYPE|TEXT or -"},
+        {"== a ==\ncreated /a:b/c|21|x\n", ":2: 'x' is not a number in range"},
+        {"== a ==\ncreated /a:b/c|19|256\n", ":2: '256' does not fit its type"},
+        {"== a ==\ncreated /a:b/c|20|65536\n", ":2: '65536' does not fit its type"},
+        {"== a ==\ncreated /a:b/c|2|x\n", ":2: a list or container has no text"},
+        {"== a ==\ncreated /a:b/c|18|\\q\n",
+         ":2: a backslash starts \\\\, \\\", \\|, \\xHH, or is \\N alone"},
+        {"== a ==\ncreated /a:b/c|18|\\x1g\n", ":2: \\x takes two hexadecimal digits"},
+        {"== a ==\nchange GONE old=- new=-\n", ":2: 'GONE' is not a number in range"},
+        {"== a ==\nchange CREATED new=-\n", ":2: a change is change OPER old=VALUE new=VALUE"},
+        {"== a ==\nmodified /a:b/c|18|x\n", ":2: a modification is modified XPATH|TYPE|OLD|NEW"},
+        {"== a ==\ncreated $A|18|x\n", ":2: $A is not defined (a dollar sign is \\x24)"},
+        {"== a ==\ncreated /a:b/c|18|$(x)\n", ":2: a repetition is $(TEXT*N)"},
+        {"let = b\n", ":1: a definition is let NAME = TEXT"},
+        {"exchange 0 send returns 5\n", ":1: counting starts at 1"},
+        {"exchange 1 smile returns 5\n", ":1: 'smile' is no step of an exchange"},
+        {"exchange 1 reply smile\n", ":1: 'smile' is no part of a reply"},
+        {"== a ==\nrequest 2 set\n", ":2: message type 2 is never sent"},
+        {"== a ==\nrequest 5 put\n", ":2: a request is request TYPE set or request TYPE undo"},
+        {"== a ==\nrequest 5 set\n  vrfName x\n", ":3: message type 5 has no field 'vrfName' here"},
+        {"== a ==\nrequest 21 set\n  startFailType 256\n", ":3: the number does not fit its field"},
+        {"== a ==\nrequest 22 set\n  groupName $(a*34)\n", ":3: the text does not fit its field"},
+        {"== a ==\n  vrfName x\n", ":2: an indented line belongs to a request or to calls"},
+        {"== a ==\nlog INF a b\n", ":2: a severity is DBG or ERR"},
+    };
+    for (const auto &[text, error] : mistakes)
+        EXPECT_EQ(errorOf(text), error) << text;
+}
+
+TEST_F(ReadingAFile, NamesAFileThatIsNotThere)
+{
+    EXPECT_THROW(readScenarioFile("no such file"), ScenarioError);
+}
+
+TEST_F(ReadingAFile, ExpandsAndUnescapesTexts)
+{
+    const auto cases = read("let A = /a:b\n"
+                            "== a ==\n"
+                            "created $A/c[k='\\|\\\\']|18|x\\x20\\\"$(ab*3)\n"
+                            "change 7 old=\\N|18|\\N new=-\n"
+                            "result -1\n");
+    const auto &changes = cases.at(0).scenario.changes;
+    EXPECT_EQ(changes.at(0).new_value->xpath, "/a:b/c[k='|\\']");
+    EXPECT_EQ(std::get<std::string>(changes.at(0).new_value->data), "x \"ababab");
+    EXPECT_EQ(changes.at(1).oper, 7U);
+    EXPECT_FALSE(changes.at(1).old_value->xpath);
+    EXPECT_TRUE(std::holds_alternative<NullString>(changes.at(1).old_value->data));
+    EXPECT_EQ(cases.at(0).result, -1);
+}
+
+TEST_F(ReadingAFile, CasesShareWhatStandsBeforeThem)
+{
+    const auto cases = read("log-level 3\n"
+                            "let A = 1\n"
+                            "== a ==\n"
+                            "log-level 2\n"
+                            "let A = 2\n"
+                            "result $A\n"
+                            "== b ==\n"
+                            "result $A\n");
+    EXPECT_EQ(cases.at(0).scenario.log_level, 2);
+    EXPECT_EQ(cases.at(0).result, 2);
+    EXPECT_EQ(cases.at(1).scenario.log_level, 3);
+    EXPECT_EQ(cases.at(1).result, 1);
+}
+
+using HoldingARunAgainstACase = ScenarioFile;
+
+TEST_F(HoldingARunAgainstACase, FindsNothingWhereAllIsAsItShould)
+{
+    EXPECT_TRUE(findingsOf("request 5 set\n  accountInterval 15\nresult 0\n").empty());
+}
+
+TEST_F(HoldingARunAgainstACase, FindsEveryDifference)
+{
+    const std::string request = "request 5 set\n  accountInterval 15\n";
+    const std::string wrong[] = {
+        "result 0\n",                                           // a request too many
+        request + "result 1\n",                                 // another result
+        request + request + "result 0\n",                       // a request missing
+        "request 5 undo\n  accountInterval 15\nresult 0\n",     // another direction
+        "request 5 set\n  accountInterval 16\nresult 0\n",      // another payload
+        "request 21 set\n  startFailType 15\nresult 0\n",       // another message
+        request + "error aaaNcGlobalConfChanges x\nresult 0\n", // an error missing
+        request + "debug aaaNcParamSet x\nresult 0\n",          // a line missing
+        request + "no log\nresult 0\n",                         // lines too many
+        request + "iterator stays open\nresult 0\n",            // it is freed
+        request + "calls\n  free-iter\nresult 0\n",             // other calls
+        "changes-iter returns 4\nresult 4\n",                   // an error too many
+    };
+    for (const std::string &text : wrong)
+        EXPECT_EQ(findingsOf(text).size(), 1U) << text;
+}
+
+TEST_F(HoldingARunAgainstACase, FindsMisuseInATrace)
+{
+    const ScenarioCase played =
+        read(kIntervalSet + "request 5 set\n  accountInterval 15\nresult 0\n").front();
+    const Trace right = play(played.scenario);
+    ASSERT_TRUE(mismatches(played, right).empty());
+    for (const char *line : {"free null", "free new#1", "free-iter", "cmf-object 5 3 0 -> 0"}) {
+        Trace without = right;
+        std::erase(without, line);
+        ASSERT_EQ(without.size(), right.size() - 1);
+        EXPECT_EQ(mismatches(played, without).size(), 1U) << line;
+    }
+    Trace with_wrong = {"WRONG doing"};
+    with_wrong.insert(with_wrong.end(), right.begin(), right.end());
+    EXPECT_EQ(mismatches(played, with_wrong), Trace{"WRONG doing"});
+}
+
+} // namespace
+
+} // namespace aaanc::test
