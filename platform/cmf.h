@@ -14,7 +14,8 @@ extern "C" {
 /* CMF_ClientRequestSend(): the system is short of memory. */
 enum { CMF_NO_MEMORY = 5 };
 
-/* Registers this process as a client of `service`. `record` is two 32-bit words, read during the call. */
+/* Registers this process as a client of `service`. `record` is two 32-bit words, read during the
+ * call. */
 int CMF_ClientServiceReg(const char *service, const void *record);
 
 /*

@@ -38,10 +38,10 @@ enum {
 /* Why a callback is called: the stage of the commit. */
 typedef uint32_t sr_notif_event_t;
 enum {
-    SR_EV_VERIFY = 0,  /* the commit may still be refused */
-    SR_EV_APPLY = 1,   /* the commit has been taken */
-    SR_EV_ABORT = 2,   /* some subscriber refused the commit */
-    SR_EV_ENABLED = 3  /* the data that exist when the subscription is made */
+    SR_EV_VERIFY = 0, /* the commit may still be refused */
+    SR_EV_APPLY = 1,  /* the commit has been taken */
+    SR_EV_ABORT = 2,  /* some subscriber refused the commit */
+    SR_EV_ENABLED = 3 /* the data that exist when the subscription is made */
 };
 
 /* What happened to a node. */
@@ -115,9 +115,8 @@ typedef int (*sr_subtree_change_cb)(sr_session_ctx_t *session, const char *xpath
  * SR_ERR_OK or an error code.
  */
 int sr_subtree_change_subscribe(sr_session_ctx_t *session, const char *xpath,
-                                sr_subtree_change_cb callback, void *private_ctx,
-                                uint32_t priority, uint32_t opts,
-                                sr_subscription_ctx_t **subscription);
+                                sr_subtree_change_cb callback, void *private_ctx, uint32_t priority,
+                                uint32_t opts, sr_subscription_ctx_t **subscription);
 
 /* Ends every subscription of the context and frees it. */
 int sr_unsubscribe(sr_session_ctx_t *session, sr_subscription_ctx_t *subscription);
