@@ -90,6 +90,8 @@ private:
     void readLine(std::string_view line);
     void readIndented(std::string_view line);
     void define(std::string_view text);
+    void startBlock(std::string_view name);
+    void useBlock(std::string_view name);
     bool readChange(std::string_view word, Words words);
     bool readPlatform(std::string_view word, Words words);
     bool readExpectation(std::string_view word, Words words);
@@ -108,7 +110,14 @@ private:
     bool in_case_ = false;
     bool callback_given_ = false;
     bool result_given_ = false;
-    enum class Block { None, Request, Calls } block_ = Block::None;
+    // What an indented line belongs to.
+    enum class Block { None, Stored, Request, Calls } block_ = Block::None;
+    struct StoredLine {
+        std::size_t number;
+        std::string text;
+    };
+    std::map<std::string, std::vector<StoredLine>, std::less<>> blocks_;
+    std::vector<StoredLine> *stored_ = nullptr; // the block being stored
     std::map<std::string, std::string, std::less<>> names_;
     std::map<std::string, std::string, std::less<>> preamble_names_;
 };
@@ -124,7 +133,10 @@ std::vector<ScenarioCase> Reader::read()
         line.erase(line.find_last_not_of(" \t\r") + 1);
         if (line.empty() || line[0] == '#')
             continue;
-        readLine(expand(line));
+        if (block_ == Block::Stored && line[0] == ' ')
+            stored_->push_back({line_, line.substr(std::min<std::size_t>(2, line.size()))});
+        else
+            readLine(expand(line));
     }
     closeCase();
     if (cases_.empty())
@@ -293,6 +305,10 @@ void Reader::readLine(std::string_view line)
     const std::string_view word = words.next();
     if (word == "let")
         return define(words.rest());
+    if (word == "block")
+        return startBlock(words.rest());
+    if (word == "use")
+        return useBlock(words.rest());
     if (readChange(word, words) || readPlatform(word, words))
         return;
     if (!in_case_)
@@ -345,6 +361,31 @@ void Reader::define(std::string_view text)
                      isNameCharacter))
         fail("a definition is let NAME = TEXT");
     names_[std::string(text.substr(0, equals))] = text.substr(equals + 3);
+}
+
+void Reader::startBlock(std::string_view name)
+{
+    if (in_case_)
+        fail("a block is stored before the first case");
+    const auto [stored, is_new] = blocks_.try_emplace(std::string(name));
+    if (!is_new)
+        fail("there is another block of this name");
+    stored_ = &stored->second;
+    block_ = Block::Stored;
+}
+
+// Reads the lines of a block as if they stood here.
+void Reader::useBlock(std::string_view name)
+{
+    const auto stored = blocks_.find(name);
+    if (stored == blocks_.end())
+        fail("there is no block '" + std::string(name) + "'");
+    const std::size_t here = line_;
+    for (const StoredLine &line : stored->second) {
+        line_ = line.number;
+        readLine(expand(line.text));
+    }
+    line_ = here;
 }
 
 bool Reader::readChange(std::string_view word, Words words)
@@ -568,7 +609,7 @@ void Reader::readIndented(std::string_view line)
     else if (block_ == Block::Request)
         readField(line);
     else
-        fail("an indented line belongs to a request or to calls");
+        fail("an indented line belongs to a block, a request or to calls");
 }
 
 void Reader::readField(std::string_view line)

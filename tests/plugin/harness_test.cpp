@@ -98,8 +98,13 @@ TEST_F(ReadingAFile, NamesThePlaceOfAMistake)
         {"== a ==\nrequest 5 set\n  vrfName x\n", ":3: message type 5 has no field 'vrfName' here"},
         {"== a ==\nrequest 21 set\n  startFailType 256\n", ":3: the number does not fit its field"},
         {"== a ==\nrequest 22 set\n  groupName $(a*34)\n", ":3: the text does not fit its field"},
-        {"== a ==\n  vrfName x\n", ":2: an indented line belongs to a request or to calls"},
+        {"== a ==\n  vrfName x\n",
+         ":2: an indented line belongs to a block, a request or to calls"},
         {"== a ==\nlog INF a b\n", ":2: a severity is DBG or ERR"},
+        {"block b\n  results 0\n== a ==\nuse b\n", ":2: 'results' is unknown"},
+        {"block b\nblock b\n", ":2: there is another block of this name"},
+        {"== a ==\nblock b\n", ":2: a block is stored before the first case"},
+        {"== a ==\nuse b\n", ":2: there is no block 'b'"},
     };
     for (const auto &[text, error] : mistakes)
         EXPECT_EQ(errorOf(text), error) << text;
@@ -124,6 +129,26 @@ TEST_F(ReadingAFile, ExpandsAndUnescapesTexts)
     EXPECT_FALSE(changes.at(1).old_value->xpath);
     EXPECT_TRUE(std::holds_alternative<NullString>(changes.at(1).old_value->data));
     EXPECT_EQ(cases.at(0).result, -1);
+}
+
+TEST_F(ReadingAFile, BlocksStandWhereTheyAreUsed)
+{
+    const auto cases = read("block two changes\n"
+                            "  created $A/b|18|x\n"
+                            "  deleted $A/b|18|x\n"
+                            "block a request\n"
+                            "  request 5 set\n"
+                            "    accountInterval 15\n"
+                            "== a ==\n"
+                            "let A = /a:b\n"
+                            "use two changes\n"
+                            "use a request\n"
+                            "  answer 9\n"
+                            "result 0\n");
+    EXPECT_EQ(cases.at(0).scenario.changes.size(), 2U);
+    EXPECT_EQ(cases.at(0).scenario.changes[1].old_value->xpath, "/a:b/b");
+    EXPECT_EQ(cases.at(0).requests.size(), 1U);
+    EXPECT_EQ(cases.at(0).scenario.exchanges.at(1).reply.result, 9U);
 }
 
 TEST_F(ReadingAFile, CasesShareWhatStandsBeforeThem)
