@@ -1,0 +1,44 @@
+// The changes of a commit, as sysrepo 0.7 tells them to a subscriber.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "data_tree.hpp"
+
+namespace aaanc
+{
+
+struct Value {
+    std::string xpath;      // instance path, keys as predicates in key order
+    std::uint32_t type = 0; // an SR_..._T of platform/sysrepo.h
+    std::string text;       // of a leaf, canonical
+};
+
+struct Change {
+    std::uint32_t oper = 0; // an SR_OP_... of platform/sysrepo.h
+    std::optional<Value> old_value;
+    std::optional<Value> new_value;
+};
+
+// The changes from `before` to `after`. First all that are modified, then all
+// that are deleted, then all that are created:
+//
+// - Created and modified nodes come level by level: all siblings, then what is
+//   below each. A new entry comes as list node, keys, other children; a new
+//   plain container before what it holds.
+// - A deleted entry comes bottom up: keys and other leaves, then each
+//   container behind what it held, the list node last. A plain container that
+//   ceases to be outside a deleted entry comes right behind the first of its
+//   nodes that is deleted.
+//
+// Siblings come in schema order, entries of a list in the order of their making.
+std::vector<Change> changesBetween(const DataTree &before, const DataTree &after);
+
+// The changes at `xpath` (a path without predicates) and below, in their order.
+std::vector<Change> changesBelow(const std::vector<Change> &changes, std::string_view xpath);
+
+} // namespace aaanc

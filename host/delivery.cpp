@@ -1,0 +1,108 @@
+#include "delivery.hpp"
+
+#include <algorithm>
+#include <utility>
+
+namespace aaanc
+{
+
+void Delivery::subscribe(Subscription subscription, bool reused, sr_subscription_ctx_t **context)
+{
+    if (!reused || *context == nullptr) {
+        *context = contexts_.emplace_back(std::make_unique<sr_subscription_ctx_t>()).get();
+    }
+    (*context)->subscriptions.push_back(std::move(subscription));
+}
+
+bool Delivery::unsubscribe(const sr_subscription_ctx_t *context)
+{
+    return std::erase_if(contexts_, [=](const auto &each) { return each.get() == context; }) != 0;
+}
+
+std::size_t Delivery::subscriptionCount() const
+{
+    std::size_t count = 0;
+    forEach([&](const Subscription &) { ++count; });
+    return count;
+}
+
+void Delivery::enable(const std::vector<Change> &changes)
+{
+    thread_.run([&] {
+        sr_session_ctx_t session{this};
+        forEach([&](const Subscription &subscription) {
+            call(subscription, session, SR_EV_ENABLED, changesBelow(changes, subscription.xpath));
+        });
+    });
+}
+
+bool Delivery::commit(const std::vector<Change> &changes, const std::vector<Change> &inverse)
+{
+    bool accepted = true;
+    thread_.run([&] {
+        sr_session_ctx_t session{this}; // the same for all callbacks of the commit
+        accepted = callTouched(session, SR_EV_VERIFY, changes) == 0;
+        if (accepted) {
+            callTouched(session, SR_EV_APPLY, changes);
+        } else {
+            callTouched(session, SR_EV_ABORT, inverse);
+        }
+    });
+    return accepted;
+}
+
+int Delivery::notify(std::string_view subtree, sr_notif_event_t event,
+                     const std::vector<Change> &changes)
+{
+    int result = 0;
+    thread_.run([&] {
+        sr_session_ctx_t session{this};
+        forEach([&](const Subscription &subscription) {
+            if (subscription.xpath == subtree) {
+                result = call(subscription, session, event, changes);
+            }
+        });
+    });
+    return result;
+}
+
+int Delivery::callTouched(sr_session_ctx_t &session, sr_notif_event_t event,
+                          const std::vector<Change> &changes)
+{
+    int first_failure = 0;
+    forEach([&](const Subscription &subscription) {
+        const std::vector<Change> below = changesBelow(changes, subscription.xpath);
+        if (below.empty()) {
+            return;
+        }
+        const int result = call(subscription, session, event, below);
+        first_failure = first_failure != 0 ? first_failure : result;
+    });
+    return first_failure;
+}
+
+int Delivery::call(const Subscription &subscription, sr_session_ctx_t &session,
+                   sr_notif_event_t event, const std::vector<Change> &changes)
+{
+    const Notification notification{subscription.xpath, event, &changes};
+    if (observer_ != nullptr) {
+        observer_->callbackBegins(notification);
+    }
+    session.subtree = subscription.xpath;
+    session.changes = &changes;
+    const int result = subscription.callback(&session, subscription.xpath.c_str(), event,
+                                             subscription.private_ctx);
+    if (observer_ != nullptr) {
+        observer_->callbackEnded(notification, result);
+    }
+    return result;
+}
+
+void Delivery::forEach(const std::function<void(const Subscription &)> &action) const
+{
+    for (const auto &context : contexts_) {
+        std::ranges::for_each(context->subscriptions, action);
+    }
+}
+
+} // namespace aaanc

@@ -1,0 +1,111 @@
+// Delivers changes to the subscriptions of a plug-in, as sysrepo 0.7 does.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "changes.hpp"
+#include "notification_thread.hpp"
+#include "sysrepo.h"
+
+namespace aaanc
+{
+
+class Delivery;
+
+struct Subscription {
+    std::string xpath;
+    sr_subtree_change_cb callback = nullptr;
+    void *private_ctx = nullptr;
+};
+
+} // namespace aaanc
+
+// The plug-in's subscriptions, in the order of their making.
+struct sr_subscription_ctx_s {
+    std::vector<aaanc::Subscription> subscriptions;
+};
+
+// A session: the daemon's own, or the one that the callbacks of a commit get.
+struct sr_session_ctx_s {
+    aaanc::Delivery *delivery = nullptr;
+    std::string_view subtree{};                          // of the callback under way
+    const std::vector<aaanc::Change> *changes = nullptr; // that it is about
+};
+
+struct sr_change_iter_s {
+    std::vector<aaanc::Change> changes;
+    std::size_t next = 0;
+};
+
+namespace aaanc
+{
+
+// A call of a callback.
+struct Notification {
+    std::string_view subtree;
+    sr_notif_event_t event = SR_EV_VERIFY;
+    const std::vector<Change> *changes = nullptr;
+};
+
+// Told of each callback, on the notification thread.
+class DeliveryObserver
+{
+public:
+    virtual ~DeliveryObserver() = default;
+    virtual void callbackBegins(const Notification &notification) = 0;
+    virtual void callbackEnded(const Notification &notification, int result) = 0;
+};
+
+class Delivery
+{
+public:
+    // `observer` may be null; it outlives this.
+    explicit Delivery(DeliveryObserver *observer) : observer_(observer) {}
+
+    // The session of the daemon.
+    [[nodiscard]] sr_session_ctx_t *session()
+    {
+        return &session_;
+    }
+
+    // Makes a subscription, in the context `*context` or, where that is to be
+    // `reused` but null or is not to be, in a new one.
+    void subscribe(Subscription subscription, bool reused, sr_subscription_ctx_t **context);
+    // Ends all subscriptions of the context; false when there is no such context.
+    bool unsubscribe(const sr_subscription_ctx_t *context);
+    [[nodiscard]] std::size_t subscriptionCount() const;
+
+    // ENABLED to every subscription, with what is below it among `changes`.
+    void enable(const std::vector<Change> &changes);
+
+    // VERIFY to every subscription that `changes` touch, then APPLY. Where a
+    // VERIFY returned non-zero, ABORT comes instead of APPLY, with `inverse`,
+    // the changes the other way round, and the result is false: the commit is
+    // refused.
+    bool commit(const std::vector<Change> &changes, const std::vector<Change> &inverse);
+
+    // One callback of every subscription at `subtree`; 0 when there is none.
+    int notify(std::string_view subtree, sr_notif_event_t event,
+               const std::vector<Change> &changes);
+
+private:
+    int call(const Subscription &subscription, sr_session_ctx_t &session, sr_notif_event_t event,
+             const std::vector<Change> &changes);
+    // Calls every subscription that has something below it; the first non-zero result.
+    int callTouched(sr_session_ctx_t &session, sr_notif_event_t event,
+                    const std::vector<Change> &changes);
+    void forEach(const std::function<void(const Subscription &)> &action) const;
+
+    DeliveryObserver *observer_;
+    sr_session_ctx_t session_{this};
+    std::vector<std::unique_ptr<sr_subscription_ctx_t>> contexts_;
+    NotificationThread thread_;
+};
+
+} // namespace aaanc

@@ -1,0 +1,128 @@
+#include <string>
+
+#include <nlohmann/json.hpp>
+
+#include "hex.hpp"
+#include "running_state.hpp"
+#include "writers.hpp"
+
+namespace aaanc
+{
+
+namespace
+{
+
+using Json = nlohmann::ordered_json;
+
+// Raised when a record changes its form; new members alone do not raise it.
+constexpr int kFormat = 1;
+
+class JsonWriter : public RecordWriter
+{
+public:
+    JsonWriter(const OutputOptions &options, std::FILE *output) : options_(options), output_(output)
+    {
+        write({{"record", "run"}, {"format", kFormat}});
+    }
+
+    void stage(const StageRecord &record) override
+    {
+        write({{"record", "stage"},
+               {"stage", record.kind == StageKind::Edit ? "edit" : "startup"},
+               {"file", record.file.empty() ? Json() : Json(record.file)},
+               {"changes", record.changes}});
+    }
+
+    void callbackBegins(const CallbackRecord & /*record*/) override {} // told when it has ended
+
+    void request(const RequestRecord &record) override
+    {
+        Json line = {{"record", "request"},
+                     {"number", record.number},
+                     {"callback", record.callback == 0 ? Json() : Json(record.callback)}};
+        if (record.decoded) {
+            addRequest(line, *record.decoded);
+        }
+        line["answer"] = {{"result", record.answer.result ? Json(*record.answer.result) : Json()},
+                          {"text", record.answer.text}};
+        if (options_.hex) {
+            line["hex"] = hexText(record.block, [&](std::size_t offset) {
+                return !options_.show_keys && record.decoded &&
+                       isSecret(record.decoded->layout, offset);
+            });
+        }
+        write(line);
+    }
+
+    void callbackEnded(const CallbackRecord &record) override
+    {
+        write({{"record", "callback"},
+               {"number", record.number},
+               {"subtree", record.subtree},
+               {"event", eventName(record.event)},
+               {"changes", record.changes},
+               {"result", record.result}});
+    }
+
+    void stopped(std::string_view reason) override
+    {
+        write({{"record", "stopped"}, {"reason", reason}});
+    }
+
+    void summary(const Summary &summary) override
+    {
+        write({{"record", "summary"},
+               {"edits", summary.commits},
+               {"callbacks", summary.callbacks},
+               {"failed_callbacks", summary.failed_callbacks},
+               {"requests", summary.requests},
+               {"accepted", summary.accepted},
+               {"refused", summary.refused},
+               {"unanswered", summary.unanswered}});
+    }
+
+private:
+    void addRequest(Json &line, const Request &request) const
+    {
+        line["type"] = request.type;
+        line["meaning"] = request.layout != nullptr ? Json(request.layout->meaning) : Json();
+        line["operation"] = request.set != 0 ? "set" : "undo";
+        line["length"] = request.length;
+        line["without_meaning"] = isWithoutMeaning(request);
+        line["fields"] = Json::object();
+        for (const Field &field : request.fields) {
+            line["fields"][std::string(field.layout->name)] = value(field);
+        }
+        line["problems"] = request.problems;
+    }
+
+    Json value(const Field &field) const
+    {
+        if (field.layout->kind == FieldKind::Number) {
+            return field.number;
+        }
+        const bool hidden =
+            field.layout->role == FieldRole::Secret && !options_.show_keys && !field.text.empty();
+        return hidden ? "****" : field.text;
+    }
+
+    void write(const Json &line)
+    {
+        // A text that is not UTF-8 has its odd bytes replaced; its bytes are in "hex".
+        const std::string text = line.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
+        std::fwrite(text.data(), 1, text.size(), output_);
+        std::fflush(output_);
+    }
+
+    OutputOptions options_;
+    std::FILE *output_;
+};
+
+} // namespace
+
+std::unique_ptr<RecordWriter> makeJsonWriter(const OutputOptions &options, std::FILE *output)
+{
+    return std::make_unique<JsonWriter>(options, output);
+}
+
+} // namespace aaanc

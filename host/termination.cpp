@@ -1,0 +1,85 @@
+#include "termination.hpp"
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <ranges>
+#include <stdexcept>
+
+#include <poll.h>
+#include <sys/eventfd.h>
+#include <sys/signalfd.h>
+#include <unistd.h>
+
+namespace aaanc
+{
+
+namespace
+{
+
+Descriptor watchSignals()
+{
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGINT);
+    sigaddset(&signals, SIGTERM);
+    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+    return Descriptor(signalfd(-1, &signals, SFD_CLOEXEC));
+}
+
+} // namespace
+
+TerminationGuard::TerminationGuard()
+    : signals_(watchSignals()), ending_(eventfd(0, EFD_CLOEXEC)), thread_([this] { watch(); })
+{
+    // An output that is closed early (by head, say) is no reason to leave files behind.
+    std::signal(SIGPIPE, SIG_IGN);
+}
+
+TerminationGuard::~TerminationGuard()
+{
+    eventfd_write(ending_.number(), 1);
+    thread_.join();
+}
+
+void TerminationGuard::removeAtEnd(const std::filesystem::path &path)
+{
+    const std::lock_guard lock(mutex_);
+    paths_.push_back(path);
+}
+
+void TerminationGuard::watch()
+{
+    pollfd polled[] = {{signals_.number(), POLLIN, 0}, {ending_.number(), POLLIN, 0}};
+    while (poll(polled, 2, -1) < 0 && errno == EINTR) {
+    }
+    signalfd_siginfo signal{};
+    if (polled[0].revents == 0 ||
+        read(signals_.number(), &signal, sizeof signal) != sizeof signal) {
+        return;
+    }
+    const std::lock_guard lock(mutex_);
+    for (const std::filesystem::path &path : paths_ | std::views::reverse) {
+        std::error_code ignored;
+        std::filesystem::remove(path, ignored);
+    }
+    _exit(128 + static_cast<int>(signal.ssi_signo));
+}
+
+TemporaryDirectory::TemporaryDirectory(TerminationGuard &guard)
+{
+    std::string name = std::filesystem::temp_directory_path() / "aaanc-XXXXXX";
+    if (mkdtemp(name.data()) == nullptr) {
+        throw std::runtime_error(name + ": " + std::strerror(errno));
+    }
+    path_ = name;
+    guard.removeAtEnd(path_);
+}
+
+TemporaryDirectory::~TemporaryDirectory()
+{
+    std::error_code ignored;
+    std::filesystem::remove_all(path_, ignored);
+}
+
+} // namespace aaanc

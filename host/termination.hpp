@@ -1,0 +1,58 @@
+// An orderly end by SIGINT and SIGTERM.
+#pragma once
+
+#include <csignal>
+#include <filesystem>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "cmf_wire.hpp"
+
+namespace aaanc
+{
+
+// While it lives, SIGINT and SIGTERM remove the noted paths and end the process,
+// with status 128 + the signal's number, whatever its threads are waiting for.
+// Made before any other thread, since threads inherit which signals are blocked.
+class TerminationGuard
+{
+public:
+    TerminationGuard();
+    ~TerminationGuard();
+    TerminationGuard(const TerminationGuard &) = delete;
+    TerminationGuard &operator=(const TerminationGuard &) = delete;
+
+    // Paths are removed in the opposite order of their noting.
+    void removeAtEnd(const std::filesystem::path &path);
+
+private:
+    void watch();
+
+    std::mutex mutex_;
+    std::vector<std::filesystem::path> paths_;
+    Descriptor signals_;
+    Descriptor ending_;
+    std::thread thread_; // started last
+};
+
+// A directory of our own for sockets, removed with all that is in it.
+class TemporaryDirectory
+{
+public:
+    explicit TemporaryDirectory(TerminationGuard &guard);
+    ~TemporaryDirectory();
+    TemporaryDirectory(const TemporaryDirectory &) = delete;
+    TemporaryDirectory &operator=(const TemporaryDirectory &) = delete;
+
+    [[nodiscard]] const std::filesystem::path &path() const
+    {
+        return path_;
+    }
+
+private:
+    std::filesystem::path path_;
+};
+
+} // namespace aaanc

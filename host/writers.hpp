@@ -1,0 +1,25 @@
+// The two forms of output.
+#pragma once
+
+#include <cstdio>
+#include <memory>
+
+#include "records.hpp"
+
+namespace aaanc
+{
+
+struct OutputOptions {
+    bool json = false;
+    bool hex = false;       // parameter blocks as bytes, too
+    bool show_keys = false; // shared keys as they are, instead of "****"
+};
+
+// For people, or JSON: an object a line, whose "record" names what it is. Each
+// record is flushed. `output` outlives the writer.
+std::unique_ptr<RecordWriter> makeWriter(const OutputOptions &options, std::FILE *output);
+
+std::unique_ptr<RecordWriter> makeTextWriter(const OutputOptions &options, std::FILE *output);
+std::unique_ptr<RecordWriter> makeJsonWriter(const OutputOptions &options, std::FILE *output);
+
+} // namespace aaanc
