@@ -157,27 +157,67 @@ void addExtraPairs(Random &random, std::vector<Change> &changes, const Schema &s
     }
 }
 
+// What an edit does to one entry.
+enum class Deed { Create, Delete, OneNode, SomeNodes, AllNodes, Mixture };
+
+Deed randomDeed(Random &random)
+{
+    const std::uint32_t kind = random.below(100);
+    return kind < 52   ? Deed::Create
+           : kind < 72 ? Deed::Delete
+           : kind < 80 ? Deed::OneNode
+           : kind < 90 ? Deed::SomeNodes
+           : kind < 96 ? Deed::AllNodes
+                       : Deed::Mixture;
+}
+
+std::uint32_t randomOperation(Random &random)
+{
+    static const std::vector<std::uint32_t> kOperations = {kModified, kModified, kModified,
+                                                           kCreated, kDeleted};
+    return random.oneOf(kOperations);
+}
+
+void addOneNode(Random &random, std::vector<Change> &changes, const Schema &schema,
+                const Entry &entry)
+{
+    const std::uint32_t which = random.below(size32(schema.nodes.size()));
+    const std::uint32_t oper = randomOperation(random);
+    changes.push_back(leafChange(random, oper, schema.nodes[which], entry, entry.values[which]));
+}
+
+// Every node by an operation of its own.
+void addMixture(Random &random, std::vector<Change> &changes, const Schema &schema,
+                const Entry &entry)
+{
+    for (std::size_t i = 0; i < schema.nodes.size(); ++i) {
+        const std::uint32_t oper = random.below(3);
+        if (schema.nodes[i].pair < entry.pairs)
+            changes.push_back(leafChange(random, oper, schema.nodes[i], entry, entry.values[i]));
+    }
+}
+
 void addEntry(Random &random, std::vector<Change> &changes, const Schema &schema,
               const Entry &entry)
 {
     constexpr std::uint32_t kAll = 100;
     constexpr std::uint32_t kSome = 40;
-    const std::uint32_t kind = random.below(100);
-    if (kind < 55) {
-        changes.push_back(entryNode(kCreated, schema, entry));
-        addNodes(random, changes, kCreated, schema, entry, kAll);
-    } else if (kind < 75) {
-        addNodes(random, changes, kDeleted, schema, entry, kAll);
-    } else {
-        const std::uint32_t oper = random.percent(60) ? kModified : 2 * random.below(2);
-        addNodes(random, changes, oper, schema, entry, random.percent(30) ? kAll : kSome);
-    }
-    if (schema.hasPairs() && random.percent(12)) {
-        const std::uint32_t oper = changes.empty() ? kCreated : changes.back().oper;
+    const Deed deed = randomDeed(random);
+    const std::uint32_t oper = deed == Deed::Create   ? kCreated
+                               : deed == Deed::Delete ? kDeleted
+                                                      : randomOperation(random);
+    if (deed == Deed::Create)
+        changes.push_back(entryNode(oper, schema, entry));
+    if (deed == Deed::OneNode)
+        addOneNode(random, changes, schema, entry);
+    else if (deed == Deed::Mixture)
+        addMixture(random, changes, schema, entry);
+    else
+        addNodes(random, changes, oper, schema, entry, deed == Deed::SomeNodes ? kSome : kAll);
+    if (schema.hasPairs() && random.percent(12))
         addExtraPairs(random, changes, schema, entry, oper);
-    }
-    if (kind >= 55 && kind < 75)
-        changes.push_back(entryNode(kDeleted, schema, entry));
+    if (deed == Deed::Delete)
+        changes.push_back(entryNode(oper, schema, entry));
 }
 
 // ---- Disturbances ----------------------------------------------------------
@@ -192,6 +232,11 @@ std::optional<Value> &chosen(Change &change)
 std::uint32_t position(Random &random, const Changes &changes)
 {
     return random.below(size32(changes.size()));
+}
+
+Changes::iterator at(Changes &changes, std::uint32_t position)
+{
+    return changes.begin() + static_cast<std::ptrdiff_t>(position);
 }
 
 void shuffle(Random &random, const Schema &, Changes &changes)
@@ -211,14 +256,24 @@ void swapNeighbours(Random &random, const Schema &, Changes &changes)
 
 void lose(Random &random, const Schema &, Changes &changes)
 {
-    changes.erase(changes.begin() + position(random, changes));
+    changes.erase(at(changes, position(random, changes)));
+}
+
+// One leaf of all entries.
+void loseLeaf(Random &random, const Schema &schema, Changes &changes)
+{
+    const std::string ending = '/' + random.oneOf(schema.nodes).name();
+    std::erase_if(changes, [&](Change &change) {
+        const auto &value = chosen(change);
+        return value && value->xpath && value->xpath->ends_with(ending);
+    });
 }
 
 void repeat(Random &random, const Schema &, Changes &changes)
 {
     const Change copy = changes[position(random, changes)];
     const std::uint32_t to = position(random, changes);
-    changes.insert(changes.begin() + to, copy);
+    changes.insert(at(changes, to), copy);
 }
 
 std::string unknownName(Random &random)
@@ -248,7 +303,7 @@ void addUnknown(Random &random, const Schema &schema, Changes &changes)
     unknown.data = NullString{};
     const std::string xpath = parent + '/' + unknownName(random);
     const Change added = change(random.below(3), at(xpath, unknown));
-    changes.insert(changes.begin() + to, added);
+    changes.insert(at(changes, to), added);
 }
 
 void move(Random &random, const Schema &, Changes &changes)
@@ -314,8 +369,8 @@ void disturb(Random &random, const Schema &schema, std::vector<Change> &changes)
 {
     using Disturbance = void (*)(Random &, const Schema &, Changes &);
     static const std::vector<Disturbance> kAll = {
-        shuffle, shuffle,    swapNeighbours, lose,      lose,     repeat,    repeat,
-        move,    addUnknown, addUnknown,     loseValue, addValue, loseXpath, loseKey};
+        loseLeaf, loseLeaf, shuffle,    shuffle,    swapNeighbours, lose,     lose,      repeat,
+        repeat,   move,     addUnknown, addUnknown, loseValue,      addValue, loseXpath, loseKey};
     const Disturbance disturbance = random.oneOf(kAll);
     if (!changes.empty())
         disturbance(random, schema, changes);

@@ -3,6 +3,7 @@
 #include "handler.hpp"
 #include "text.hpp"
 
+#include <algorithm>
 #include <array>
 #include <set>
 
@@ -89,11 +90,21 @@ public:
     }
     bool completed(const std::string &name, std::uint32_t type) const
     {
-        for (std::size_t i = 0; i < current_; ++i) {
-            if (groups_.at(i).name == name && groups_.at(i).type == type)
-                return true;
-        }
-        return false;
+        return std::any_of(groups_.begin(), groups_.begin() + current_, [&](const Group &group) {
+            return group.name == name && group.type == type;
+        });
+    }
+    // For the record only: such a name with another type, or in the last place.
+    bool completedOtherwise(const std::string &name, std::uint32_t type) const
+    {
+        return std::any_of(groups_.begin(), groups_.begin() + current_, [&](const Group &group) {
+            return group.name == name && group.type != type;
+        });
+    }
+    bool isLastCompleted(const std::string &name, std::uint32_t type) const
+    {
+        return current_ > 1 && groups_.at(current_ - 1).name == name &&
+               groups_.at(current_ - 1).type == type;
     }
     void put(Bytes &bytes, std::size_t offset) const
     {
@@ -237,8 +248,12 @@ private:
     {
         const std::uint32_t type = list_.groups.currentType();
         const auto name = leaf.textOrNull();
+        if (name && list_.groups.completedOtherwise(*name, type))
+            world_.note("group name known with another type");
         if (!name || list_.groups.completed(*name, type)) {
             world_.note(name ? "group named twice" : "group without a name");
+            if (name && list_.groups.isLastCompleted(*name, type))
+                world_.note("group named as the last one");
             world_.error(fillFunction("InfoFill"),
                          "Input group exist same name for group[" + std::to_string(type) + "]");
             throw End{7};

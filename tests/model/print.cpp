@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <sstream>
 
-namespace aaanc::test::model {
-namespace {
+namespace aaanc::test::model
+{
+namespace
+{
 
 // Blanks, bars and dollar signs mean something in a scenario file.
 std::string escaped(const std::string &text)

@@ -5,7 +5,8 @@
 
 #include <string>
 
-namespace aaanc::test::model {
+namespace aaanc::test::model
+{
 
 // As a scenario file writes it, to be pasted into one; without expectations.
 std::string printed(const Scenario &scenario);

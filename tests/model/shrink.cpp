@@ -4,8 +4,10 @@
 
 #include <vector>
 
-namespace aaanc::test::model {
-namespace {
+namespace aaanc::test::model
+{
+namespace
+{
 
 using Scenarios = std::vector<Scenario>;
 

@@ -5,7 +5,8 @@
 
 #include <functional>
 
-namespace aaanc::test::model {
+namespace aaanc::test::model
+{
 
 // `fails` tells whether a scenario still shows what is looked for. It holds for
 // `scenario` and for the result; no single step of the shrinker makes the

@@ -64,7 +64,8 @@ std::string groupName(Random &random)
 
 std::string domainName(Random &random)
 {
-    static const Texts kUsual = {"abc", "d1", "d2", "isp.example", "Default", "default1", "campus"};
+    static const Texts kUsual = {"abc", "abc",         "d1",      "d1",       "d1",
+                                 "d2",  "isp.example", "Default", "default1", "campus"};
     static const Texts kRefused = {"default", "a b", "user@isp", "@isp", "isp@", "@", " ", "a@b@c"};
     if (random.percent(10))
         return random.oneOf(kRefused);
@@ -131,7 +132,7 @@ std::string ipv6Address(Random &random)
                                  "2001:db8::1/64",
                                  "0000:0000:0000:0000:0000:ffff:255.255.255.255"};
     const std::uint32_t kind = random.below(100);
-    if (kind < 62)
+    if (kind < 56)
         return random.oneOf(kUsual);
     if (kind < 84)
         return random.oneOf(kEdges);
@@ -144,7 +145,10 @@ std::string ipv4Address(Random &random)
 {
     static const Texts kUsual = {"192.0.2.1", "192.0.2.2", "10.0.0.1", "0.0.0.0",
                                  "255.255.255.255"};
-    return random.percent(12) ? ipv6Address(random) : name(random, kUsual, 47);
+    static const Texts kRefusedOverIpv6 = {"::1", "fe80::1", "ff02::1"};
+    if (random.percent(5))
+        return random.oneOf(kRefusedOverIpv6);
+    return random.percent(5) ? ipv6Address(random) : name(random, kUsual, 47);
 }
 
 std::string keyType(Random &random)
