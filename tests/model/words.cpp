@@ -35,6 +35,10 @@ std::string around(Random &random, std::uint32_t size)
 {
     const std::vector<std::uint32_t> lengths = {0,        1,        size - 1, size,    size,
                                                 size + 1, size + 1, size + 8, 2 * size};
+    // Texts that differ behind the cut only.
+    static const Texts kEndings = {"", "a", "b"};
+    if (random.percent(25))
+        return std::string(size, 't') + random.oneOf(kEndings);
     return letters(random, random.oneOf(lengths));
 }
 
@@ -190,6 +194,12 @@ std::string word(Random &random, const Texts &known, const Texts &unknown)
     return random.oneOf(random.percent(92) ? known : unknown);
 }
 
+std::string serverType(Random &random)
+{
+    static const Texts kUnknown = {"local", "", "Radius", "radius ", "tacacs+", "ldap"};
+    return random.percent(2) ? around(random, 32) : word(random, {"radius", "tacacs"}, kUnknown);
+}
+
 std::string textOf(Random &random, Content content)
 {
     switch (content) {
@@ -208,8 +218,7 @@ std::string textOf(Random &random, Content content)
     case Content::MethodGroupName:
         return name(random, {"g1", "g1", "g2", "g3", "g4", "g5", "core"}, 32);
     case Content::ServerType:
-        return word(random, {"radius", "tacacs"},
-                    {"local", "", "Radius", "radius ", "tacacs+", "ldap"});
+        return serverType(random);
     case Content::GroupWord:
         return word(random, {"radius-group", "tacacs-group"},
                     {"local", "", "none", "radius", "radius-groups"});
