@@ -1,6 +1,6 @@
 #include "apply.hpp"
 
-#include <algorithm>
+#include <memory>
 #include <thread>
 
 #include <fmt/format.h>
@@ -19,39 +19,31 @@ namespace aaanc
 namespace
 {
 
-// A commit, worked out before anything is told.
-struct Commit {
-    StageRecord stage;
-    std::vector<Change> changes;
-    std::vector<Change> inverse;
+// All that is going to be committed, checked before anything is told.
+struct Plan {
+    Schema schema;
+    std::vector<Document> documents; // the start-up configuration, then the edits
+    std::vector<DataTree> states;    // what each makes of the one before; first, of nothing
 };
 
-// The start-up configuration and the edits, in turn.
-std::vector<Commit> plan(const ApplyOptions &options)
+Plan makePlan(const ApplyOptions &options)
 {
-    const Schema schema(options.yang);
-    std::vector<Document> documents;
+    Plan plan{Schema(options.yang), {}, {}};
     if (options.startup) {
-        documents.push_back(readDocument(schema, *options.startup, DocumentKind::Startup));
+        plan.documents.push_back(
+            readDocument(plan.schema, *options.startup, DocumentKind::Startup));
     } else {
-        documents.emplace_back();
+        plan.documents.emplace_back();
     }
     for (const std::filesystem::path &edit : options.edits) {
-        documents.push_back(readDocument(schema, edit, DocumentKind::Edit));
+        plan.documents.push_back(readDocument(plan.schema, edit, DocumentKind::Edit));
     }
-
-    std::vector<Commit> commits;
-    DataTree before;
-    for (const Document &document : documents) {
-        DataTree after = applyEdit(schema, before, document);
-        std::vector<Change> changes = changesBetween(before, after);
-        const std::size_t count = changes.size();
-        const StageKind kind = commits.empty() ? StageKind::Startup : StageKind::Edit;
-        commits.push_back(
-            {{kind, document.file, count}, std::move(changes), changesBetween(after, before)});
-        before = std::move(after);
+    const DataTree nothing;
+    for (const Document &document : plan.documents) {
+        const DataTree &before = plan.states.empty() ? nothing : plan.states.back();
+        plan.states.push_back(applyEdit(plan.schema, before, document));
     }
-    return commits;
+    return plan;
 }
 
 // The AAA service on a thread of this process, still behind a socket.
@@ -87,7 +79,7 @@ private:
 };
 
 // Tells the plug-in everything. The reason if it ends early, else empty.
-std::string run(const ApplyOptions &options, const std::vector<Commit> &commits, Reporter &reporter)
+std::string run(const ApplyOptions &options, const Plan &plan, Reporter &reporter)
 {
     Plugin plugin(options.plugin);
     Delivery delivery(&reporter);
@@ -95,18 +87,23 @@ std::string run(const ApplyOptions &options, const std::vector<Commit> &commits,
         return fmt::format("The plug-in could not be initialised: sr_plugin_init_cb returned {}.",
                            result);
     }
+
+    const std::vector<Change> configured = changesBetween(DataTree(), plan.states.front());
+    reporter.stageBegins({StageKind::Startup, plan.documents.front().file, configured.size()});
+    if (options.enabled) {
+        delivery.enable(configured);
+    }
+
     std::string ended_early;
-    for (const Commit &commit : commits) {
-        reporter.stageBegins(commit.stage);
-        if (commit.stage.kind == StageKind::Startup) {
-            if (options.enabled) {
-                delivery.enable(commit.changes);
-            }
-        } else if (!delivery.commit(commit.changes, commit.inverse)) {
+    for (std::size_t i = 1; i < plan.states.size() && ended_early.empty(); ++i) {
+        const DataTree &before = plan.states[i - 1];
+        const DataTree &after = plan.states[i];
+        const std::vector<Change> changes = changesBetween(before, after);
+        reporter.stageBegins({StageKind::Edit, plan.documents[i].file, changes.size()});
+        if (!delivery.commit(changes, [&] { return changesBetween(after, before); })) {
             // Later edits were checked against the data that it would have made.
-            ended_early =
-                fmt::format("{} was refused; no further edit is committed.", commit.stage.file);
-            break;
+            ended_early = fmt::format("{} was refused; no further edit is committed.",
+                                      plan.documents[i].file);
         }
     }
     plugin.cleanUp(delivery.session());
@@ -117,7 +114,7 @@ std::string run(const ApplyOptions &options, const std::vector<Commit> &commits,
 
 int apply(const ApplyOptions &options, TerminationGuard &guard)
 {
-    const std::vector<Commit> commits = plan(options);
+    const Plan plan = makePlan(options);
 
     std::optional<InProcessService> service;
     if (!options.socket) {
@@ -128,7 +125,7 @@ int apply(const ApplyOptions &options, TerminationGuard &guard)
     const CmfEndpoint endpoint{options.socket ? *options.socket : service->path(),
                                options.time_limit, &reporter};
     setCmfEndpoint(&endpoint);
-    const std::string ended_early = run(options, commits, reporter);
+    const std::string ended_early = run(options, plan, reporter);
     setCmfEndpoint(nullptr);
     if (!ended_early.empty()) {
         writer->stopped(ended_early);

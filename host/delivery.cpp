@@ -36,7 +36,8 @@ void Delivery::enable(const std::vector<Change> &changes)
     });
 }
 
-bool Delivery::commit(const std::vector<Change> &changes, const std::vector<Change> &inverse)
+bool Delivery::commit(const std::vector<Change> &changes,
+                      const std::function<std::vector<Change>()> &invert)
 {
     bool accepted = true;
     thread_.run([&] {
@@ -45,7 +46,7 @@ bool Delivery::commit(const std::vector<Change> &changes, const std::vector<Chan
         if (accepted) {
             callTouched(session, SR_EV_APPLY, changes);
         } else {
-            callTouched(session, SR_EV_ABORT, inverse);
+            callTouched(session, SR_EV_ABORT, invert());
         }
     });
     return accepted;

@@ -85,10 +85,11 @@ public:
     void enable(const std::vector<Change> &changes);
 
     // VERIFY to every subscription that `changes` touch, then APPLY. Where a
-    // VERIFY returned non-zero, ABORT comes instead of APPLY, with `inverse`,
-    // the changes the other way round, and the result is false: the commit is
-    // refused.
-    bool commit(const std::vector<Change> &changes, const std::vector<Change> &inverse);
+    // VERIFY returned non-zero, ABORT comes instead of APPLY, with the changes
+    // the other way round, worked out by `invert`, and the result is false: the
+    // commit is refused.
+    bool commit(const std::vector<Change> &changes,
+                const std::function<std::vector<Change>()> &invert);
 
     // One callback of every subscription at `subtree`; 0 when there is none.
     int notify(std::string_view subtree, sr_notif_event_t event,

@@ -5,7 +5,6 @@
 #include <cstring>
 #include <fstream>
 #include <iostream>
-#include <sstream>
 #include <unordered_map>
 #include <utility>
 
@@ -20,9 +19,20 @@ namespace aaanc
 namespace
 {
 
+// Far above the configuration of any switch; a file of this size still takes
+// only seconds.
+constexpr std::size_t kMaxFileSize = std::size_t{16} << 20U;
+
 bool takesAway(Operation operation)
 {
     return operation == Operation::Delete || operation == Operation::Remove;
+}
+
+// Characters that no YANG string holds; libyang lets them pass.
+bool isForbidden(char character)
+{
+    return static_cast<unsigned char>(character) < ' ' && character != '\t' && character != '\n' &&
+           character != '\r';
 }
 
 const DocumentNode *findKey(const DocumentNode &entry, const lysc_node *key)
@@ -64,8 +74,8 @@ private:
         if (!leaf.value.has_value()) {
             fail(leaf, parent_path, "a value is missing");
         }
-        if (leaf.value->find('\0') != std::string::npos) {
-            fail(leaf, parent_path, "the value holds a NUL character");
+        if (std::ranges::any_of(*leaf.value, isForbidden)) {
+            fail(leaf, parent_path, "the value holds a control character, which YANG has none of");
         }
         const char *canonical = nullptr;
         if (lyd_value_validate(schema_.context(), leaf.schema, leaf.value->data(),
@@ -117,21 +127,29 @@ private:
     const std::string &file_;
 };
 
-std::string readWhole(const std::filesystem::path &file)
+std::string readWhole(const std::filesystem::path &file, const std::string &name)
 {
     std::ifstream stream;
     if (file != "-") {
         if (std::filesystem::is_directory(file)) {
-            throw InputError(file.string(), 0, "", "is a directory");
+            throw InputError(name, 0, "", "is a directory");
         }
         stream.open(file, std::ios::binary);
         if (!stream) {
-            throw InputError(file.string(), 0, "", std::strerror(errno));
+            throw InputError(name, 0, "", std::strerror(errno));
         }
     }
-    std::ostringstream whole;
-    whole << (file == "-" ? std::cin : stream).rdbuf();
-    return std::move(whole).str();
+    std::istream &input = file == "-" ? std::cin : stream;
+    std::string text;
+    std::string chunk(std::size_t{1} << 16U, '\0');
+    while (input.read(chunk.data(), static_cast<std::streamsize>(chunk.size())), input.gcount() > 0) {
+        text.append(chunk, 0, static_cast<std::size_t>(input.gcount()));
+        if (text.size() > kMaxFileSize) {
+            throw InputError(name, 0, "",
+                             fmt::format("larger than {} MiB", kMaxFileSize / (1U << 20U)));
+        }
+    }
+    return text;
 }
 
 bool isXml(const std::string &name, std::string_view text)
@@ -178,8 +196,8 @@ Document readDocument(const Schema &schema, const std::string &name, std::string
 
 Document readDocument(const Schema &schema, const std::filesystem::path &file, DocumentKind kind)
 {
-    return readDocument(schema, file == "-" ? "standard input" : file.string(), readWhole(file),
-                        kind);
+    const std::string name = file == "-" ? "standard input" : file.string();
+    return readDocument(schema, name, readWhole(file, name), kind);
 }
 
 } // namespace aaanc
