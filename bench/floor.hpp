@@ -1,0 +1,28 @@
+// What each callback's work costs at least: a loop written by hand for it that
+// makes the same platform calls, its requests ready-made. It knows by their
+// place what the changes are; with `names` not null it compares each leaf's name
+// with those, as any loop must that does not know what comes.
+#pragma once
+
+#include "aaa_nc/param.hpp"
+
+#include <vector>
+
+namespace aaanc::bench
+{
+
+using LeafNames = std::vector<const char *>;
+
+int floorGlobal(const char *xpath, const AaaNcParam *requests, const LeafNames *names);
+int floorSrcInterface(const char *xpath, const AaaNcParam *requests, const LeafNames *names);
+int floorServerGroup(const char *xpath, const AaaNcParam *requests, const LeafNames *names);
+int floorServerGroupVrf(const char *xpath, const AaaNcParam *requests, const LeafNames *names);
+int floorDomain(const char *xpath, const AaaNcParam *requests, const LeafNames *names);
+int floorRadius(const char *xpath, const AaaNcParam *requests,
+                const LeafNames *names); // IPv4 and IPv6
+int floorTacacs(const char *xpath, const AaaNcParam *requests,
+                const LeafNames *names); // IPv4 and IPv6
+int floorDomainAuthen(const char *xpath, const AaaNcParam *requests, const LeafNames *names);
+int floorDomainAccount(const char *xpath, const AaaNcParam *requests, const LeafNames *names);
+
+} // namespace aaanc::bench
