@@ -1,9 +1,10 @@
 #include "check.hpp"
 
 #include "harness/fake_platform.hpp"
-#include "invariants.hpp"
 #include "model/model.hpp"
 #include "model/print.hpp"
+#include "requests.hpp"
+#include "torture/invariants.hpp"
 
 namespace aaanc::test::fuzz
 {
@@ -15,8 +16,10 @@ std::string checkScenario(const Scenario &scenario)
 
     const Trace actual = play(scenario);
     std::string findings;
-    for (const std::string &broken : brokenInvariants(scenario, actual))
-        findings += broken + '\n';
+    for (const auto &broken :
+         {brokenInvariants(scenario, actual), brokenRequests(scenario, actual)})
+        for (const std::string &finding : broken)
+            findings += finding + '\n';
     const Trace expected = model::expect(scenario);
     if (actual != expected)
         findings += "the plug-in and the model differ (-: the model, +: the plug-in)\n" +

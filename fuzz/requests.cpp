@@ -1,4 +1,4 @@
-#include "invariants.hpp"
+#include "requests.hpp"
 
 #include "harness/payload.hpp"
 
@@ -81,10 +81,8 @@ public:
     {
         for (const std::string &line : trace_)
             checkLine(line);
-        checkFreed();
         require(!context_open_, "a context is never closed");
         require(!trace_.empty() && startsWith(trace_.back(), "result "), "no result at the end");
-        checkIterator();
         return std::move(broken_);
     }
 
@@ -98,20 +96,10 @@ private:
     void checkLine(const std::string &line)
     {
         const std::string word = firstWord(line);
-        require(word != "WRONG", line);
-        require(!iterator_freed_ || word == "result", "after the iterator was freed: " + line);
         if (startsWith(word, "cmf-"))
             checkCmf(word, line);
         else if (word == "log" || word == "strerror")
             checkLevel(line);
-        else if (word == "next")
-            takeChange(line);
-        else if (word == "free")
-            freed_.push_back(line);
-        else if (word == "changes-iter")
-            iterator_open_ = resultOf(line) == "0";
-        else if (word == "free-iter")
-            iterator_freed_ = true;
     }
 
     void checkLevel(const std::string &line)
@@ -122,8 +110,6 @@ private:
         require(is_debug ? scenario_.log_level >= 4 : scenario_.log_level != 0,
                 "at level " + std::to_string(scenario_.log_level) + ": " + line);
     }
-
-    // ---- Requests ------------------------------------------------------------
 
     void checkCmf(const std::string &word, const std::string &line)
     {
@@ -224,42 +210,6 @@ private:
                 std::string(field.name) + " has something behind its end");
     }
 
-    // ---- Ownership -----------------------------------------------------------
-
-    void takeChange(const std::string &line)
-    {
-        checkFreed();
-        freed_.clear();
-        to_free_.clear();
-        if (!startsWith(line, "next -> 0 ") || taken_ == scenario_.changes.size())
-            return;
-        const Change &change = scenario_.changes[taken_++];
-        const std::string number = std::to_string(taken_);
-        to_free_ = {change.old_value ? "free old#" + number : "free null",
-                    change.new_value ? "free new#" + number : "free null"};
-    }
-
-    void checkFreed()
-    {
-        require(freed_ == to_free_,
-                "change " + std::to_string(taken_) + " is not freed once, its old value first");
-    }
-
-    bool mayKeepIterator() const
-    {
-        return (scenario_.callback == "aaaNcDomainAuthenConfChanges" ||
-                scenario_.callback == "aaaNcDomainAccountConfChanges") &&
-               !trace_.empty() && (trace_.back() == "result 1" || trace_.back() == "result 7");
-    }
-
-    void checkIterator()
-    {
-        if (iterator_open_)
-            require(iterator_freed_ || mayKeepIterator(), "the iterator is not freed");
-        else
-            require(!iterator_freed_, "an iterator is freed that was not opened");
-    }
-
     const Scenario &scenario_;
     const Trace &trace_;
     Texts broken_;
@@ -268,17 +218,11 @@ private:
     std::size_t step_ = 0; // of kSteps, the next one
     bool step_failed_ = false;
     std::string object_;
-
-    std::size_t taken_ = 0; // changes
-    Texts to_free_;
-    Texts freed_;
-    bool iterator_open_ = false;
-    bool iterator_freed_ = false;
 };
 
 } // namespace
 
-std::vector<std::string> brokenInvariants(const Scenario &scenario, const Trace &trace)
+std::vector<std::string> brokenRequests(const Scenario &scenario, const Trace &trace)
 {
     return Checker(scenario, trace).run();
 }
