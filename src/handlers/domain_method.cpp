@@ -31,7 +31,7 @@ struct MethodHandler : AaaNcHandler {
     // of a record that another entry's node sends.
     AaaNcLogText<const char *, std::uint32_t> set;
     AaaNcLogText<const char *, std::uint32_t, const char *> setByNode;
-    AaaNcLeafTable leaves; // beside those of the groups
+    AaaNcTwin twin;
     std::uint32_t complete;
     bool accounts; // a record with groups needs a stage
     std::uint32_t methodKind;
@@ -131,54 +131,37 @@ static int nothingStore(AaaNcGather & /*gather*/, const AaaNcLeaf & /*leaf*/,
 }
 
 // The two leaves of group pair `pair`.
-static constexpr AaaNcLeaf groupTypeLeaf(AaaNcName name, std::uint32_t pair)
+static constexpr AaaNcLeaf groupTypeLeaf(AaaNcNames names, std::uint32_t pair)
 {
-    return {name, kSeenType | 1U << (kTypeShift + pair), groupTypeStore, 0, 0};
+    return {names, kSeenType | 1U << (kTypeShift + pair), groupTypeStore, 0, 0};
 }
 
-static constexpr AaaNcLeaf groupNameLeaf(AaaNcName name, std::uint32_t pair)
+static constexpr AaaNcLeaf groupNameLeaf(AaaNcNames names, std::uint32_t pair)
 {
-    return {name, kSeenName | 1U << (kNameShift + pair), groupNameStore, 0, 0};
+    return {names, kSeenName | 1U << (kNameShift + pair), groupNameStore, 0, 0};
 }
 
-static constexpr AaaNcLeaf kGroupLeaves[] = {
-    groupTypeLeaf("Type", 0),  groupNameLeaf("Name", 0),  groupTypeLeaf("Type1", 1),
-    groupNameLeaf("Name1", 1), groupTypeLeaf("Type2", 2), groupNameLeaf("Name2", 2),
-    groupTypeLeaf("Type3", 3), groupNameLeaf("Name3", 3),
-};
-
-// The containers that the groups stand in tell nothing.
-static constexpr AaaNcLeaf kContainers[] = {
-    {"1", 0, nothingStore, 0, 0}, {"2", 0, nothingStore, 0, 0}, {"3", 0, nothingStore, 0, 0}};
-
-static constexpr AaaNcLeaf kAuthenLeaves[] = {
-    {"authDomainName", kSeenDomain, aaaNcTextStore, AAA_NC_IN(AaaNcDomainMethodInfo, domainName)},
-    {"authenProtocol", kSeenProtocol, protocolStore, 0, 0},
-    {"authenServerGroup", 0, nothingStore, 0, 0},
-};
-
-static constexpr AaaNcLeaf kAccountLeaves[] = {
-    {"accountDomainName", kSeenDomain, aaaNcTextStore,
+static constexpr AaaNcLeaf kLeaves[] = {
+    {{"authDomainName", "accountDomainName"},
+     kSeenDomain,
+     aaaNcTextStore,
      AAA_NC_IN(AaaNcDomainMethodInfo, domainName)},
-    {"accountProtocol", kSeenProtocol, protocolStore, 0, 0},
-    {"accountStage", kSeenStage, stageStore, 0, 0},
-    {"accountServerGroup", 0, nothingStore, 0, 0},
+    {{"authenProtocol", "accountProtocol"}, kSeenProtocol, protocolStore, 0, 0},
+    {{{}, "accountStage"}, kSeenStage, stageStore, 0, 0},
+    groupTypeLeaf("groupType", 0),
+    groupTypeLeaf("groupType1", 1),
+    groupTypeLeaf("groupType2", 2),
+    groupTypeLeaf("groupType3", 3),
+    groupNameLeaf("groupName", 0),
+    groupNameLeaf("groupName1", 1),
+    groupNameLeaf("groupName2", 2),
+    groupNameLeaf("groupName3", 3),
+    // The containers that the groups stand in tell nothing.
+    {{"authenServerGroup", "accountServerGroup"}, 0, nothingStore, 0, 0},
+    {"GroupNum1", 0, nothingStore, 0, 0},
+    {"GroupNum2", 0, nothingStore, 0, 0},
+    {"GroupNum3", 0, nothingStore, 0, 0},
 };
-
-static const AaaNcLeaf *methodLeafFind(const MethodHandler &list, const char *name)
-{
-    static constexpr AaaNcLeafTable kGroups = {"group", kGroupLeaves};
-    static constexpr AaaNcLeafTable kNums = {"GroupNum", kContainers};
-
-    const AaaNcLeafTable *const tables[] = {&list.leaves, &kGroups, &kNums};
-    for (const AaaNcLeafTable *table : tables) {
-        const AaaNcLeaf *leaf = aaaNcLeafFind(*table, name);
-        if (leaf != nullptr) {
-            return leaf;
-        }
-    }
-    return nullptr;
-}
 
 // Whether a group has its type or its name only, or an accounting record has
 // groups and no stage.
@@ -211,7 +194,7 @@ static int methodSend(MethodWalk &walk)
 static int methodChange(AaaNcWalk &base, const AaaNcChange &change)
 {
     auto &walk = static_cast<MethodWalk &>(base);
-    const AaaNcLeaf *leaf = methodLeafFind(walk.list, change.leaf);
+    const AaaNcLeaf *leaf = aaaNcLeafFind(kLeaves, walk.list.twin, change.leaf);
     if (leaf != nullptr) {
         const int rc = aaaNcLeafStore(walk, *leaf, change);
         if (rc != 0) {
@@ -257,7 +240,7 @@ static constexpr MethodHandler kAuthen = {
      methodEnd},
     AAA_NC_LOG_TEXT("Set domain authen info: groupName=%s, type=%d."),
     AAA_NC_LOG_TEXT("Set domain authen info: domainName=%s, type=%d,cmdoverflag:%s."),
-    {"", kAuthenLeaves},
+    AAA_NC_FIRST,
     kSeenDomain | kSeenProtocol | kSeenType | kSeenName,
     false,
     0,
@@ -280,7 +263,7 @@ static constexpr MethodHandler kAccount = {
      methodEnd},
     AAA_NC_LOG_TEXT("Set domain account info: groupName=%s, type=%d."),
     {},
-    {"", kAccountLeaves},
+    AAA_NC_SECOND,
     kSeenDomain | kSeenProtocol | kSeenStage | kSeenType | kSeenName,
     true,
     2,

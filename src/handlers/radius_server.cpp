@@ -11,10 +11,9 @@
 
 // What tells the IPv4 list from the IPv6 list, beside names and texts.
 struct RadiusHandler : AaaNcHandler {
-    AaaNcLeafTable leaves;
+    AaaNcTwin twin;
     std::uint8_t family;
     const char *list;      // list node
-    const char *keys[4];   // its keys, in the order of kKeys
     int lastRefusedResult; // of a walk's last request; 0: as that of any other
 };
 
@@ -40,20 +39,36 @@ static int radiusKeyStore(AaaNcGather &gather, const AaaNcLeaf &leaf, const sr_v
 }
 
 // The list keys have no bit in setFlag: they are always there.
+// clang-format off
 static constexpr AaaNcLeaf kLeaves[] = {
-    {"GroupName", 0, aaaNcTextStore, AAA_NC_IN(AaaNcRadiusServerInfo, entry.name.groupName)},
-    {"ServerAddr", 0, aaaNcServerAddrStore, AAA_NC_IN(AaaNcRadiusServerInfo, entry.name)},
-    {"ServerAuthenPort", 0, aaaNcUint16Store, AAA_NC_IN(AaaNcRadiusServerInfo, entry.authPort)},
-    {"ServerAccountPort", 0, aaaNcUint16Store, AAA_NC_IN(AaaNcRadiusServerInfo, entry.acctPort)},
-    {"ServerKeyType", AAA_NC_SET_KEY_TYPE, aaaNcServerKeyTypeStore,
-     AAA_NC_IN(AaaNcRadiusServerInfo, key)},
-    {"ServerKey", AAA_NC_SET_KEY, radiusKeyStore, AAA_NC_IN(AaaNcRadiusServerInfo, key)},
-    {"ServerPriority", AAA_NC_SET_PRIORITY, aaaNcUint8Store,
-     AAA_NC_IN(AaaNcRadiusServerInfo, priority)},
+    {{"radiusIpv4GroupName", "radiusIpv6GroupName"},
+     0, aaaNcTextStore, AAA_NC_IN(AaaNcRadiusServerInfo, entry.name.groupName)},
+    {{"radiusIpv4ServerAddr", "radiusIpv6ServerAddr"},
+     0, aaaNcServerAddrStore, AAA_NC_IN(AaaNcRadiusServerInfo, entry.name)},
+    {{"radiusIpv4ServerAuthenPort", "radiusIpv6ServerAuthenPort"},
+     0, aaaNcUint16Store, AAA_NC_IN(AaaNcRadiusServerInfo, entry.authPort)},
+    {{"radiusIpv4ServerAccountPort", "radiusIpv6ServerAccountPort"},
+     0, aaaNcUint16Store, AAA_NC_IN(AaaNcRadiusServerInfo, entry.acctPort)},
+    {{"radiusIpv4ServerKeyType", "radiusIpv6ServerKeyType"},
+     AAA_NC_SET_KEY_TYPE, aaaNcServerKeyTypeStore, AAA_NC_IN(AaaNcRadiusServerInfo, key)},
+    {{"radiusIpv4ServerKey", "radiusIpv6ServerKey"},
+     AAA_NC_SET_KEY, radiusKeyStore, AAA_NC_IN(AaaNcRadiusServerInfo, key)},
+    {{"radiusIpv4ServerPriority", "radiusIpv6ServerPriority"},
+     AAA_NC_SET_PRIORITY, aaaNcUint8Store, AAA_NC_IN(AaaNcRadiusServerInfo, priority)},
 };
+// clang-format on
 
+// The low 32 bits of strtol(). Nearly every port is a few digits, and both are
+// read at each change, so those are not left to it.
 static std::uint32_t portParse(const char *text)
 {
+    std::uint32_t port = 0;
+    for (int i = 0; i < 9 && text[i] >= '0' && text[i] <= '9'; ++i) {
+        port = port * 10 + static_cast<std::uint32_t>(text[i] - '0');
+        if (text[i + 1] == '\0') {
+            return port;
+        }
+    }
     return static_cast<std::uint32_t>(std::strtol(text, nullptr, 10));
 }
 
@@ -61,20 +76,25 @@ static std::uint32_t portParse(const char *text)
 // is logged under IPv4's name in either list, and the authentication port under
 // that of another list's key; these are the names that people know.
 struct RadiusKey {
+    const char *name[2]; // by AaaNcTwin
     const char *printed;
     void (*store)(AaaNcRadiusServerKey &key, const char *text);
 };
 
 static constexpr RadiusKey kKeys[] = {
-    {"serverGroupType",
+    {{"radiusIpv4ServerAuthenPort", "radiusIpv6ServerAuthenPort"},
+     "serverGroupType",
      [](AaaNcRadiusServerKey &key, const char *text) { key.authPort = portParse(text); }},
-    {"radiusIpv4ServerAccountPort",
+    {{"radiusIpv4ServerAccountPort", "radiusIpv6ServerAccountPort"},
+     "radiusIpv4ServerAccountPort",
      [](AaaNcRadiusServerKey &key, const char *text) { key.acctPort = portParse(text); }},
-    {"radiusIpv4ServerAddr",
+    {{"radiusIpv4ServerAddr", "radiusIpv6ServerAddr"},
+     "radiusIpv4ServerAddr",
      [](AaaNcRadiusServerKey &key, const char *text) {
          gnl_strlcpy(key.name.Addr, text, sizeof(key.name.Addr));
      }},
-    {"radiusIpv4GroupName",
+    {{"radiusIpv4GroupName", "radiusIpv6GroupName"},
+     "radiusIpv4GroupName",
      [](AaaNcRadiusServerKey &key, const char *text) {
          gnl_strlcpy(key.name.groupName, text, sizeof(key.name.groupName));
      }},
@@ -84,24 +104,17 @@ static constexpr RadiusKey kKeys[] = {
 static int radiusKeyGet(const RadiusWalk &walk, const AaaNcChange &change,
                         AaaNcRadiusServerKey &key)
 {
-    for (std::size_t i = 0; i < sizeof(kKeys) / sizeof(kKeys[0]); ++i) {
+    for (const RadiusKey &known : kKeys) {
         const char *text = nullptr;
-        const int rc = aaaNcChangeKeyGet(walk, change, walk.list.list, walk.list.keys[i],
-                                         kKeys[i].printed, &text);
+        const int rc = aaaNcChangeKeyGet(walk, change, walk.list.list, known.name[walk.list.twin],
+                                         known.printed, &text);
         if (rc != 0) {
             return rc;
         }
-        kKeys[i].store(key, text);
+        known.store(key, text);
     }
     key.name.family = walk.family;
     return 0;
-}
-
-static bool isSameEntry(const AaaNcRadiusServerKey &a, const AaaNcRadiusServerKey &b)
-{
-    return std::strcmp(a.name.groupName, b.name.groupName) == 0 &&
-           std::strcmp(a.name.Addr, b.name.Addr) == 0 && a.authPort == b.authPort &&
-           a.acctPort == b.acctPort;
 }
 
 // Sends what is gathered, with the operation of the last change taken, even
@@ -135,18 +148,19 @@ static int radiusChange(AaaNcWalk &base, const AaaNcChange &change)
     if (rc != 0) {
         return rc;
     }
-    const bool gathers = walk.gathered.name.groupName[0] != '\0';
-    if (gathers && !isSameEntry(walk.gathered, key)) {
-        rc = radiusFlush(walk, 0);
-        if (rc != 0) {
-            return rc;
+    // Both keys were zeroed before they were filled.
+    if (std::memcmp(&walk.gathered, &key, sizeof(key)) != 0) {
+        if (walk.gathered.name.groupName[0] != '\0') {
+            rc = radiusFlush(walk, 0);
+            if (rc != 0) {
+                return rc;
+            }
+            walk.info = {};
+            walk.seen = 0;
         }
-        walk.info = {};
-        walk.seen = 0;
+        walk.gathered = key;
     }
-    walk.gathered = key;
-
-    const AaaNcLeaf *leaf = aaaNcLeafFind(walk.list.leaves, change.leaf);
+    const AaaNcLeaf *leaf = aaaNcLeafFind(kLeaves, walk.list.twin, change.leaf);
     return leaf != nullptr ? aaaNcLeafStore(walk, *leaf, change) : 0;
 }
 
@@ -167,11 +181,9 @@ static constexpr RadiusHandler kRadiusIpv4 = {
      {{43}, AAA_NC_NO_LEAF, AAA_NC_REFUSED},
      radiusChange,
      radiusEnd},
-    {"radiusIpv4", kLeaves},
+    AAA_NC_FIRST,
     AAA_NC_FAMILY_IPV4,
     "radiusIpv4ServerInfo",
-    {"radiusIpv4ServerAuthenPort", "radiusIpv4ServerAccountPort", "radiusIpv4ServerAddr",
-     "radiusIpv4GroupName"},
     0,
 };
 
@@ -186,11 +198,9 @@ static constexpr RadiusHandler kRadiusIpv6 = {
      {{43}, AAA_NC_NO_LEAF, AAA_NC_REFUSED},
      radiusChange,
      radiusEnd},
-    {"radiusIpv6", kLeaves},
+    AAA_NC_SECOND,
     AAA_NC_FAMILY_IPV6,
     "radiusIpv6ServerInfo",
-    {"radiusIpv6ServerAuthenPort", "radiusIpv6ServerAccountPort", "radiusIpv6ServerAddr",
-     "radiusIpv6GroupName"},
     AAA_NC_FAILED, // even for 43, which tells more at any other request
 };
 

@@ -9,7 +9,7 @@ enum { kDecodedSize = 259 };
 
 template <typename Record> static Record &recordField(AaaNcGather &gather, const AaaNcLeaf &leaf)
 {
-    return *reinterpret_cast<Record *>(gather.record + leaf.offset);
+    return *static_cast<Record *>(static_cast<void *>(gather.record + leaf.offset));
 }
 
 bool aaaNcServerAddrIsBad(const AaaNcServerName &name)

@@ -27,12 +27,10 @@ static constexpr AaaNcLeaf kLeaves[] = {
     {"vrfName", kSeenVrf, boundedTextStore, AAA_NC_IN(AaaNcSrcInterfaceInfo, vrfName)},
 };
 
-static constexpr AaaNcLeafTable kTable = {"", kLeaves};
-
 static int srcInterfaceChange(AaaNcWalk &base, const AaaNcChange &change)
 {
     auto &walk = static_cast<SrcInterfaceWalk &>(base);
-    const AaaNcLeaf *leaf = aaaNcLeafFind(kTable, change.leaf);
+    const AaaNcLeaf *leaf = aaaNcLeafFind(kLeaves, AAA_NC_FIRST, change.leaf);
     if (leaf != nullptr) {
         aaaNcLeafStore(walk, *leaf, change);
     }

@@ -17,7 +17,7 @@ enum : std::uint32_t {
 
 // What tells the IPv4 list from the IPv6 list, beside names and texts.
 struct TacacsHandler : AaaNcHandler {
-    AaaNcLeafTable leaves;
+    AaaNcTwin twin;
     std::uint8_t family;
 };
 
@@ -33,15 +33,22 @@ struct TacacsWalk : AaaNcServerWalk {
 
 // A key that comes before its type counts as a plain key: the type in the record
 // is 0 until then.
+// clang-format off
 static constexpr AaaNcLeaf kLeaves[] = {
-    {"GroupName", kSeenGroupName, aaaNcTextStore, AAA_NC_IN(AaaNcTacacsServerInfo, name.groupName)},
-    {"ServerAddr", kSeenAddr, aaaNcServerAddrStore, AAA_NC_IN(AaaNcTacacsServerInfo, name)},
-    {"ServerPort", kSeenPort, aaaNcUint16Store, AAA_NC_IN(AaaNcTacacsServerInfo, Port)},
-    {"ServerKeyType", AAA_NC_SEEN_KEY_TYPE, aaaNcServerKeyTypeStore,
-     AAA_NC_IN(AaaNcTacacsServerInfo, key)},
-    {"ServerKey", AAA_NC_SEEN_KEY, aaaNcServerKeyStore, AAA_NC_IN(AaaNcTacacsServerInfo, key)},
-    {"ServerPriority", kSeenPriority, aaaNcUint8Store, AAA_NC_IN(AaaNcTacacsServerInfo, priority)},
+    {{"tacacsIpv4GroupName", "tacacsIpv6GroupName"},
+     kSeenGroupName, aaaNcTextStore, AAA_NC_IN(AaaNcTacacsServerInfo, name.groupName)},
+    {{"tacacsIpv4ServerAddr", "tacacsIpv6ServerAddr"},
+     kSeenAddr, aaaNcServerAddrStore, AAA_NC_IN(AaaNcTacacsServerInfo, name)},
+    {{"tacacsIpv4ServerPort", "tacacsIpv6ServerPort"},
+     kSeenPort, aaaNcUint16Store, AAA_NC_IN(AaaNcTacacsServerInfo, Port)},
+    {{"tacacsIpv4ServerKeyType", "tacacsIpv6ServerKeyType"},
+     AAA_NC_SEEN_KEY_TYPE, aaaNcServerKeyTypeStore, AAA_NC_IN(AaaNcTacacsServerInfo, key)},
+    {{"tacacsIpv4ServerKey", "tacacsIpv6ServerKey"},
+     AAA_NC_SEEN_KEY, aaaNcServerKeyStore, AAA_NC_IN(AaaNcTacacsServerInfo, key)},
+    {{"tacacsIpv4ServerPriority", "tacacsIpv6ServerPriority"},
+     kSeenPriority, aaaNcUint8Store, AAA_NC_IN(AaaNcTacacsServerInfo, priority)},
 };
+// clang-format on
 
 static int tacacsSend(TacacsWalk &walk)
 {
@@ -61,7 +68,7 @@ static int tacacsSend(TacacsWalk &walk)
 static int tacacsChange(AaaNcWalk &base, const AaaNcChange &change)
 {
     auto &walk = static_cast<TacacsWalk &>(base);
-    const AaaNcLeaf *leaf = aaaNcLeafFind(walk.list.leaves, change.leaf);
+    const AaaNcLeaf *leaf = aaaNcLeafFind(kLeaves, walk.list.twin, change.leaf);
     if (leaf != nullptr) {
         const int rc = aaaNcLeafStore(walk, *leaf, change);
         if (rc != 0) {
@@ -83,7 +90,7 @@ static constexpr TacacsHandler kTacacsIpv4 = {
      {{}, 0, AAA_NC_FAILED},
      tacacsChange,
      nullptr},
-    {"tacacsIpv4", kLeaves},
+    AAA_NC_FIRST,
     AAA_NC_FAMILY_IPV4,
 };
 
@@ -98,7 +105,7 @@ static constexpr TacacsHandler kTacacsIpv6 = {
      {{}, 0, AAA_NC_FAILED},
      tacacsChange,
      nullptr},
-    {"tacacsIpv6", kLeaves},
+    AAA_NC_SECOND,
     AAA_NC_FAMILY_IPV6,
 };
 

@@ -4,18 +4,7 @@
 
 #include <cstring>
 
-enum { kKeyMissing = 5, kGroupNameMissing = 25, kGroupNameTaken = 46 };
-
-int aaaNcEntryKeyGet(char *xpath, const char *nodeName, const char *keyName, const char **value)
-{
-    sr_xpath_ctx_t state{};
-    const char *text = sr_xpath_key_value(xpath, nodeName, keyName, &state);
-    if (text == nullptr) {
-        return kKeyMissing;
-    }
-    *value = text;
-    return 0;
-}
+enum { kGroupNameMissing = 25, kGroupNameTaken = 46 };
 
 int aaaNcGroupNameCheck(const char *name, const AaaNcGroup *records, std::uint32_t count,
                         std::uint32_t type)

@@ -8,7 +8,17 @@
 // Reads key `keyName` of list node `nodeName` out of `xpath`. Returns 0 with
 // *value pointing into `xpath`, which may now be cut behind the key and is not
 // restored; or 5, with *value as it was.
-int aaaNcEntryKeyGet(char *xpath, const char *nodeName, const char *keyName, const char **value);
+inline int aaaNcEntryKeyGet(char *xpath, const char *nodeName, const char *keyName,
+                            const char **value)
+{
+    sr_xpath_ctx_t state{};
+    const char *text = sr_xpath_key_value(xpath, nodeName, keyName, &state);
+    if (text == nullptr) {
+        return 5;
+    }
+    *value = text;
+    return 0;
+}
 
 // Whether group `name` of type `type` may join the first `count` of `records`.
 // Returns 0, 25 for a null name, or 46 where the name stands there with the

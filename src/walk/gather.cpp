@@ -1,16 +1,13 @@
 #include "walk/gather.hpp"
 
-const AaaNcLeaf *aaaNcLeafFind(const AaaNcLeafTable &table, const char *name)
+const AaaNcLeaf *aaaNcLeafFind(const AaaNcLeaf *leaves, std::size_t count, AaaNcTwin twin,
+                               const char *name)
 {
-    if (std::strncmp(name, table.prefix.text, table.prefix.length) != 0) {
-        return nullptr;
-    }
-    name += table.prefix.length;
     const std::size_t length = std::strlen(name);
-    for (std::size_t i = 0; i < table.count; ++i) {
-        const AaaNcLeaf &leaf = table.leaves[i];
-        if (leaf.name.length == length && std::memcmp(leaf.name.text, name, length) == 0) {
-            return &leaf;
+    for (const AaaNcLeaf *leaf = leaves; leaf != leaves + count; ++leaf) {
+        const AaaNcName &known = leaf->names.of[twin];
+        if (known.length == length && std::memcmp(known.text, name, length) == 0) {
+            return leaf;
         }
     }
     return nullptr;

@@ -11,18 +11,30 @@
 // A name with its length, so that most rows are passed over without a look at
 // their text.
 struct AaaNcName {
-    const char *text;
-    std::size_t length;
+    const char *text = "";
+    std::size_t length = SIZE_MAX; // of no name: it matches none
 
+    constexpr AaaNcName() = default;
     template <std::size_t N> constexpr AaaNcName(const char (&name)[N]) : text(name), length(N - 1)
     {
     }
 };
 
+// The same leaf in the two lists that one table serves, which of them is told by
+// an AaaNcTwin. A single name is that of both.
+enum AaaNcTwin : std::uint8_t { AAA_NC_FIRST, AAA_NC_SECOND };
+
+struct AaaNcNames {
+    AaaNcName of[2]; // by AaaNcTwin
+
+    template <std::size_t N> constexpr AaaNcNames(const char (&both)[N]) : of{both, both} {}
+    constexpr AaaNcNames(AaaNcName first, AaaNcName second) : of{first, second} {}
+};
+
 struct AaaNcGather;
 
 struct AaaNcLeaf {
-    AaaNcName name;
+    AaaNcNames names;
     std::uint32_t seen; // bits that tell that it was there
     // Stores the value. A result other than 0 ends the walk.
     int (*store)(AaaNcGather &gather, const AaaNcLeaf &leaf, const sr_val_t &value);
@@ -32,19 +44,6 @@ struct AaaNcLeaf {
 
 // Offset and size of a leaf's field.
 #define AAA_NC_IN(record, member) offsetof(record, member), sizeof(record::member)
-
-// Leaves whose names start alike.
-struct AaaNcLeafTable {
-    AaaNcName prefix;
-    const AaaNcLeaf *leaves;
-    std::size_t count;
-
-    template <std::size_t N>
-    constexpr AaaNcLeafTable(AaaNcName start, const AaaNcLeaf (&rows)[N])
-        : prefix(start), leaves(rows), count(N)
-    {
-    }
-};
 
 // A walk that gathers.
 struct AaaNcGather : AaaNcWalk {
@@ -57,8 +56,15 @@ struct AaaNcGather : AaaNcWalk {
     }
 };
 
-// The row of leaf `name`, or null.
-const AaaNcLeaf *aaaNcLeafFind(const AaaNcLeafTable &table, const char *name);
+// The row of leaf `name` in the `count` rows of `leaves`, or null.
+const AaaNcLeaf *aaaNcLeafFind(const AaaNcLeaf *leaves, std::size_t count, AaaNcTwin twin,
+                               const char *name);
+
+template <std::size_t N>
+const AaaNcLeaf *aaaNcLeafFind(const AaaNcLeaf (&leaves)[N], AaaNcTwin twin, const char *name)
+{
+    return aaaNcLeafFind(leaves, N, twin, name);
+}
 
 // Stores the change's value as `leaf` says. A result other than 0 ends the walk.
 int aaaNcLeafStore(AaaNcGather &gather, const AaaNcLeaf &leaf, const AaaNcChange &change);
