@@ -6,15 +6,15 @@ namespace aaanc::test
 namespace
 {
 
-// The offset of the first of `wanted` outside quotes at or behind `from`.
-std::size_t findUnquoted(std::string_view text, std::string_view wanted, std::size_t from)
+// The offset of the first `wanted` outside quotes at or behind `from`.
+std::size_t findUnquoted(std::string_view text, char wanted, std::size_t from)
 {
     char quote = '\0';
     for (std::size_t at = from; at < text.size(); ++at) {
         const char c = text[at];
         if (quote != '\0')
             quote = c == quote ? '\0' : quote;
-        else if (wanted.find(c) != std::string_view::npos)
+        else if (c == wanted)
             return at;
         else if (c == '\'' || c == '"')
             quote = c;
@@ -38,8 +38,8 @@ int hexDigit(char c)
 std::optional<std::size_t> nodeNameOffset(std::string_view xpath)
 {
     std::size_t last = 0;
-    for (std::size_t at = findUnquoted(xpath, "/", 0); at != std::string_view::npos;
-         at = findUnquoted(xpath, "/", at + 1))
+    for (std::size_t at = findUnquoted(xpath, '/', 0); at != std::string_view::npos;
+         at = findUnquoted(xpath, '/', at + 1))
         last = at;
     if (last == 0)
         return std::nullopt;
@@ -51,9 +51,9 @@ std::optional<KeyPlace> findKey(std::string_view xpath, std::string_view list, s
     std::size_t node = 0;
     while (node != std::string_view::npos) {
         const std::size_t start = node + 1;
-        node = findUnquoted(xpath, "/", start);
+        node = findUnquoted(xpath, '/', start);
         const std::size_t end = node == std::string_view::npos ? xpath.size() : node;
-        std::size_t predicate = findUnquoted(xpath.substr(0, end), "[", start);
+        std::size_t predicate = findUnquoted(xpath.substr(0, end), '[', start);
         if (predicate == std::string_view::npos || xpath.substr(start, predicate - start) != list)
             continue;
         while (predicate != std::string_view::npos) {
@@ -67,7 +67,7 @@ std::optional<KeyPlace> findKey(std::string_view xpath, std::string_view list, s
                     return std::nullopt;
                 return KeyPlace{value, close - value};
             }
-            predicate = findUnquoted(xpath.substr(0, end), "[", name);
+            predicate = findUnquoted(xpath.substr(0, end), '[', name);
         }
         return std::nullopt;
     }
