@@ -1,5 +1,7 @@
 #include "edit.hpp"
 
+#include "changes.hpp"
+
 #include <algorithm>
 
 namespace aaanc::test::model
@@ -9,14 +11,6 @@ namespace
 
 constexpr std::uint32_t kListType = 2;
 constexpr std::uint32_t kContainerType = 3;
-constexpr std::uint32_t kCreated = 0;
-constexpr std::uint32_t kModified = 1;
-constexpr std::uint32_t kDeleted = 2;
-
-std::uint32_t size32(std::size_t size)
-{
-    return static_cast<std::uint32_t>(size);
-}
 
 struct Entry {
     std::string xpath;
@@ -95,34 +89,20 @@ Entry randomEntry(Random &random, const Schema &schema, const Entry *before)
     return entry;
 }
 
-Value at(const std::string &xpath, Value value)
-{
-    value.xpath = xpath;
-    return value;
-}
-
-Change change(std::uint32_t oper, const Value &value)
-{
-    Change result;
-    result.oper = oper;
-    (oper == kDeleted ? result.old_value : result.new_value) = value;
-    return result;
-}
-
 Change entryNode(std::uint32_t oper, const Schema &schema, const Entry &entry)
 {
     Value value;
     value.type = schema.is_list ? kListType : kContainerType;
-    return change(oper, at(entry.xpath, value));
+    return makeChange(oper, valueAt(entry.xpath, value));
 }
 
 Change leafChange(Random &random, std::uint32_t oper, const Node &node, const Entry &entry,
                   const Value &value)
 {
     const std::string xpath = entry.xpath + '/' + node.path;
-    Change result = change(oper, at(xpath, value));
+    Change result = makeChange(oper, valueAt(xpath, value));
     if (oper == kModified)
-        result.old_value = at(xpath, nodeValue(random, node));
+        result.old_value = valueAt(xpath, nodeValue(random, node));
     return result;
 }
 
@@ -220,136 +200,6 @@ void addEntry(Random &random, std::vector<Change> &changes, const Schema &schema
         changes.push_back(entryNode(oper, schema, entry));
 }
 
-// ---- Disturbances ----------------------------------------------------------
-
-using Changes = std::vector<Change>;
-
-std::optional<Value> &chosen(Change &change)
-{
-    return change.oper == kDeleted ? change.old_value : change.new_value;
-}
-
-std::uint32_t position(Random &random, const Changes &changes)
-{
-    return random.below(size32(changes.size()));
-}
-
-Changes::iterator at(Changes &changes, std::uint32_t position)
-{
-    return changes.begin() + static_cast<std::ptrdiff_t>(position);
-}
-
-void shuffle(Random &random, const Schema &, Changes &changes)
-{
-    for (std::uint32_t i = size32(changes.size()); i > 1; --i)
-        std::swap(changes[i - 1], changes[random.below(i)]);
-}
-
-void swapNeighbours(Random &random, const Schema &, Changes &changes)
-{
-    for (std::uint32_t left = random.between(1, 3); left > 0; --left) {
-        const std::uint32_t first = position(random, changes);
-        if (first + 1 < changes.size())
-            std::swap(changes[first], changes[first + 1]);
-    }
-}
-
-void lose(Random &random, const Schema &, Changes &changes)
-{
-    changes.erase(at(changes, position(random, changes)));
-}
-
-// One leaf of all entries.
-void loseLeaf(Random &random, const Schema &schema, Changes &changes)
-{
-    const std::string ending = '/' + random.oneOf(schema.nodes).name();
-    std::erase_if(changes, [&](Change &change) {
-        const auto &value = chosen(change);
-        return value && value->xpath && value->xpath->ends_with(ending);
-    });
-}
-
-void repeat(Random &random, const Schema &, Changes &changes)
-{
-    const Change copy = changes[position(random, changes)];
-    const std::uint32_t to = position(random, changes);
-    changes.insert(at(changes, to), copy);
-}
-
-std::string unknownName(Random &random)
-{
-    static const std::vector<std::string> kNames = {
-        "description",      "startFailTypes", "StartFailType", "vrfname",
-        "serverGroupTypeX", "groupType4",     "groupName0",    "GroupNum",
-        "GroupNum4",        "groupNum1",      "keyType",       "x"};
-    if (random.percent(40))
-        return random.oneOf(kNames);
-    const Schema &other = random.oneOf(schemas());
-    return random.oneOf(other.nodes).name();
-}
-
-// A leaf that the subtree does not have, or has elsewhere. It holds zeros, which
-// suit whatever the handler takes it for.
-void addUnknown(Random &random, const Schema &schema, Changes &changes)
-{
-    const std::uint32_t to = position(random, changes);
-    const Change &near = changes[to];
-    const auto &value = near.new_value ? near.new_value : near.old_value;
-    std::string parent = schema.xpath;
-    if (value && value->xpath && random.percent(85))
-        parent = value->xpath->substr(0, value->xpath->rfind(']') + 1);
-    Value unknown;
-    unknown.type = 18;
-    unknown.data = NullString{};
-    const std::string xpath = parent + '/' + unknownName(random);
-    const Change added = change(random.below(3), at(xpath, unknown));
-    changes.insert(at(changes, to), added);
-}
-
-void move(Random &random, const Schema &, Changes &changes)
-{
-    static const std::vector<std::uint32_t> kOperations = {3, 3, 3, 4, 7, 0x80000000, 0xffffffff};
-    Change &moved = changes[position(random, changes)];
-    moved.oper = random.oneOf(kOperations);
-}
-
-void loseValue(Random &random, const Schema &, Changes &changes)
-{
-    Change &change = changes[position(random, changes)];
-    if (random.percent(50))
-        (change.oper == kDeleted ? change.new_value : change.old_value) = chosen(change);
-    chosen(change).reset();
-}
-
-// Both values, whatever the operation.
-void addValue(Random &random, const Schema &schema, Changes &changes)
-{
-    Change &change = changes[position(random, changes)];
-    auto &missing = change.new_value ? change.old_value : change.new_value;
-    if (!missing)
-        missing = at(schema.xpath + "/other", randomValue(random, Content::VrfName));
-}
-
-void loseXpath(Random &random, const Schema &, Changes &changes)
-{
-    auto &value = chosen(changes[position(random, changes)]);
-    if (!value)
-        return;
-    value->xpath.reset();
-    if (random.percent(50))
-        value->xpath = "/orvek-aaa:sysAaa";
-}
-
-// One key goes by another name.
-void loseKey(Random &random, const Schema &schema, Changes &changes)
-{
-    auto &value = chosen(changes[position(random, changes)]);
-    const std::string name = '[' + random.oneOf(schema.nodes).name() + '=';
-    const std::size_t place = value && value->xpath ? value->xpath->find(name) : std::string::npos;
-    if (place != std::string::npos)
-        value->xpath->replace(place, 1, "[x");
-}
-
 } // namespace
 
 std::vector<Change> randomEdit(Random &random, const Schema &schema)
@@ -363,17 +213,6 @@ std::vector<Change> randomEdit(Random &random, const Schema &schema)
         addEntry(random, changes, schema, entry);
     }
     return changes;
-}
-
-void disturb(Random &random, const Schema &schema, std::vector<Change> &changes)
-{
-    using Disturbance = void (*)(Random &, const Schema &, Changes &);
-    static const std::vector<Disturbance> kAll = {
-        loseLeaf, loseLeaf, shuffle,    shuffle,    swapNeighbours, lose,     lose,      repeat,
-        repeat,   move,     addUnknown, addUnknown, loseValue,      addValue, loseXpath, loseKey};
-    const Disturbance disturbance = random.oneOf(kAll);
-    if (!changes.empty())
-        disturbance(random, schema, changes);
 }
 
 } // namespace aaanc::test::model

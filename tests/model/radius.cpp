@@ -1,89 +1,16 @@
-// The RADIUS and TACACS servers, each over IPv4 and IPv6.
+// The RADIUS servers, over IPv4 and over IPv6.
 #include "bytes.hpp"
 #include "handler.hpp"
+#include "server.hpp"
 #include "text.hpp"
 
-#include <arpa/inet.h>
-
-#include <array>
 #include <cstdlib>
-#include <cstring>
-#include <set>
 #include <tuple>
 
 namespace aaanc::test::model
 {
 namespace
 {
-
-constexpr std::size_t kGroupNameSize = 32;
-constexpr std::size_t kAddressSize = 47;
-constexpr std::size_t kPlainKeySize = 127;
-constexpr std::size_t kCipherKeySize = 259;
-
-struct Version {
-    std::string leaf_prefix; // "radiusIpv4"
-    std::uint8_t family;
-    bool checks_address;
-    bool maps_final_refusal; // else every refusal of the last send is 7
-};
-
-bool acceptableIpv6(const std::string &text)
-{
-    std::array<unsigned char, 16> address{};
-    if (inet_pton(AF_INET6, text.c_str(), address.data()) != 1)
-        return false;
-    const std::array<unsigned char, 16> unspecified{};
-    auto loopback = unspecified;
-    loopback.back() = 1;
-    if (address == unspecified || address == loopback)
-        return false;
-    if (address[0] == 0xfe)
-        return address[1] < 0x80;
-    return address[0] != 0xff;
-}
-
-void addressOrEnd(World &world, const std::string &address)
-{
-    const bool acceptable = acceptableIpv6(address);
-    world.facts().addresses_checked.emplace_back(address, acceptable);
-    if (!acceptable)
-        throw End{1};
-}
-
-struct SharedKey {
-    std::uint32_t type = 0;
-    std::string plain;
-    std::string cipher;
-};
-
-std::uint32_t keyTypeOf(const std::string &text)
-{
-    return text == "0" ? 0 : 1;
-}
-
-std::string decodedOrEnd(World &world, const Leaf &leaf)
-{
-    const auto decoded = world.unhex(leaf.text());
-    if (!decoded)
-        throw End{7};
-    return untilNul(*decoded);
-}
-
-// A cipher key cannot be too long: no more than 259 bytes are ever decoded.
-void fileOrEnd(World &world, const std::string &function, SharedKey &key, const std::string &text)
-{
-    if (key.type != 0) {
-        key.cipher = cut(text, kCipherKeySize);
-        return;
-    }
-    if (text.size() > kPlainKeySize) {
-        world.error(function, "Aaa netconf client input plain key length[" +
-                                  std::to_string(text.size()) + "] is too long.");
-        throw End{7};
-    }
-    key.plain = text;
-}
 
 class Radius : public Handler
 {
@@ -243,115 +170,19 @@ private:
     std::uint32_t last_oper_ = 0;
 };
 
-class Tacacs : public Handler
-{
-public:
-    Tacacs(World &world, const std::string &stem, const Version &version)
-        : Handler(world, stem), version_(version)
-    {
-    }
-
-    void change(Leaf &leaf) override
-    {
-        fill(leaf);
-        constexpr std::size_t kAllLeaves = 6;
-        if (seen_.size() != kAllLeaves)
-            return;
-        world_.debug(
-            changeFunction(),
-            say("Set server info: groupName=%s, Addr=%s, Port=%d, priority=%d.",
-                {server_.group, server_.address, shown(server_.port), shown(server_.priority)}));
-        if (version_.checks_address)
-            addressOrEnd(world_, server_.address);
-        requestOrEnd(30, leaf.oper, payload(), [](std::int32_t) { return End{7}; });
-        server_ = Server();
-        seen_.clear();
-    }
-
-    void end() override
-    {
-        if (!seen_.empty())
-            world_.note("incomplete server dropped");
-        if (seen_.size() == 5 && !seen_.contains("ServerKey"))
-            world_.note("server without a key dropped");
-    }
-
-private:
-    struct Server {
-        std::string group;
-        std::string address;
-        std::uint32_t port = 0;
-        SharedKey key;
-        std::uint32_t priority = 0;
-    };
-
-    void fill(const Leaf &leaf)
-    {
-        if (leaf.name.rfind(version_.leaf_prefix, 0) != 0)
-            return;
-        const std::string kind = leaf.name.substr(version_.leaf_prefix.size());
-        if (kind == "GroupName")
-            server_.group = cut(leaf.text(), kGroupNameSize);
-        else if (kind == "ServerAddr")
-            server_.address = cut(leaf.text(), kAddressSize);
-        else if (kind == "ServerPort")
-            server_.port = leaf.number();
-        else if (kind == "ServerKeyType")
-            server_.key.type = keyTypeOf(leaf.text());
-        else if (kind == "ServerKey")
-            fileOrEnd(world_, fillFunction("ServerInfoFill"), server_.key,
-                      decodedOrEnd(world_, leaf));
-        else if (kind == "ServerPriority")
-            server_.priority = leaf.number();
-        else
-            return;
-        seen_.insert(kind);
-    }
-
-    std::string payload() const
-    {
-        return Bytes(520)
-            .text(4, server_.group)
-            .text(37, server_.address)
-            .byte(85, version_.family)
-            .word(88, server_.port)
-            .text(92, server_.key.plain)
-            .word(220, server_.key.type)
-            .text(224, server_.key.cipher)
-            .word(484, server_.priority)
-            .str();
-    }
-
-    const Version &version_;
-    Server server_;
-    std::set<std::string> seen_;
-};
-
-const Version kRadiusIpv4 = {"radiusIpv4", 2, false, true};
-const Version kRadiusIpv6 = {"radiusIpv6", 10, true, false};
-const Version kTacacsIpv4 = {"tacacsIpv4", 2, false, false};
-const Version kTacacsIpv6 = {"tacacsIpv6", 10, true, false};
+const Version kIpv4 = {"radiusIpv4", 2, false, true};
+const Version kIpv6 = {"radiusIpv6", 10, true, false};
 
 } // namespace
 
 std::unique_ptr<Handler> makeRadiusIpv4(World &world, const std::string &stem)
 {
-    return std::make_unique<Radius>(world, stem, kRadiusIpv4);
+    return std::make_unique<Radius>(world, stem, kIpv4);
 }
 
 std::unique_ptr<Handler> makeRadiusIpv6(World &world, const std::string &stem)
 {
-    return std::make_unique<Radius>(world, stem, kRadiusIpv6);
-}
-
-std::unique_ptr<Handler> makeTacacsIpv4(World &world, const std::string &stem)
-{
-    return std::make_unique<Tacacs>(world, stem, kTacacsIpv4);
-}
-
-std::unique_ptr<Handler> makeTacacsIpv6(World &world, const std::string &stem)
-{
-    return std::make_unique<Tacacs>(world, stem, kTacacsIpv6);
+    return std::make_unique<Radius>(world, stem, kIpv6);
 }
 
 } // namespace aaanc::test::model
