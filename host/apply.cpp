@@ -55,7 +55,6 @@ public:
           socket_(path_, [this](const CmfRequest &request) { return handler_.answer(request); }),
           thread_([this] { socket_.serve(); })
     {
-        guard.removeAtEnd(path_);
     }
     ~InProcessService()
     {

@@ -142,7 +142,8 @@ std::string readWhole(const std::filesystem::path &file, const std::string &name
     std::istream &input = file == "-" ? std::cin : stream;
     std::string text;
     std::string chunk(std::size_t{1} << 16U, '\0');
-    while (input.read(chunk.data(), static_cast<std::streamsize>(chunk.size())), input.gcount() > 0) {
+    while (input.read(chunk.data(), static_cast<std::streamsize>(chunk.size())),
+           input.gcount() > 0) {
         text.append(chunk, 0, static_cast<std::size_t>(input.gcount()));
         if (text.size() > kMaxFileSize) {
             throw InputError(name, 0, "",

@@ -6,6 +6,7 @@
 #include <fmt/format.h>
 
 #include "input_error.hpp"
+#include "printable.hpp"
 
 namespace aaanc
 {
@@ -55,7 +56,7 @@ const lysc_node *DocumentBuilder::resolve(const lys_module *module, std::string_
                                  ? lys_find_child(parent, module, name.data(), name.size(), 0, 0)
                                  : nullptr;
     if (found == nullptr || (found->nodetype & (LYS_CONTAINER | LYS_LIST | LYS_LEAF)) == 0) {
-        fail(line, fmt::format("unknown node \"{}\"", name));
+        fail(line, fmt::format("unknown node \"{}\"", printable(name)));
     }
     return found;
 }
@@ -86,7 +87,7 @@ void DocumentBuilder::setOperation(DocumentNode &node, std::string_view operatio
             return;
         }
     }
-    fail(line, fmt::format("unknown operation \"{}\"", operation));
+    fail(line, fmt::format("unknown operation \"{}\"", printable(operation)));
 }
 
 Document DocumentBuilder::finish()

@@ -10,6 +10,7 @@
 #include <nlohmann/json.hpp>
 
 #include "document_builder.hpp"
+#include "printable.hpp"
 
 namespace aaanc
 {
@@ -161,12 +162,12 @@ public:
         Frame &frame = frames_.back();
         if (frame.kind == FrameKind::Metadata) {
             if (name != kOperationAnnotation) {
-                builder_.fail(line_, fmt::format("unknown annotation \"{}\"", name));
+                builder_.fail(line_, fmt::format("unknown annotation \"{}\"", printable(name)));
             }
             return true;
         }
         if (std::ranges::find(frame.names, name) != frame.names.end()) {
-            builder_.fail(line_, fmt::format("duplicate member \"{}\"", name));
+            builder_.fail(line_, fmt::format("duplicate member \"{}\"", printable(name)));
         }
         frame.names.push_back(name);
         frame.member_line = line_;
@@ -258,13 +259,13 @@ private:
             module = ly_ctx_get_module_implemented(builder_.schema().context(),
                                                    std::string(name.substr(0, colon)).c_str());
             if (module == nullptr) {
-                builder_.fail(line_, fmt::format("unknown node \"{}\"", name));
+                builder_.fail(line_, fmt::format("unknown node \"{}\"", printable(name)));
             }
             name.remove_prefix(colon + 1);
         } else if (builder_.atRoot()) {
-            builder_.fail(line_,
-                          fmt::format("\"{}\" lacks the name of its module, as in \"orvek-aaa:{}\"",
-                                      name, name));
+            builder_.fail(
+                line_, fmt::format("\"{0}\" lacks the name of its module, as in \"orvek-aaa:{0}\"",
+                                   printable(name)));
         }
         return builder_.resolve(module, name, line_);
     }

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <exception>
@@ -8,6 +9,7 @@
 
 #include "apply.hpp"
 #include "locations.hpp"
+#include "printable.hpp"
 #include "service.hpp"
 #include "sysrepo.h"
 
@@ -65,6 +67,14 @@ int run(int argc, char **argv)
     service->add_option("--socket", socket, "Where to listen")->required();
     addOutputOptions(*service, service_output);
 
+    // CLI11 would only say that a command is missing.
+    const auto is_first = [=](const CLI::App *command) { return command->get_name() == argv[1]; };
+    if (argc > 1 && argv[1][0] != '-' &&
+        std::ranges::none_of(app.get_subcommands(nullptr), is_first)) {
+        fmt::print(stderr, "aaanc: unknown command \"{}\"; see aaanc --help\n",
+                   aaanc::printable(argv[1]));
+        return kBadInput;
+    }
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError &error) {

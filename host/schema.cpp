@@ -1,6 +1,7 @@
 #include "schema.hpp"
 
 #include "input_error.hpp"
+#include "printable.hpp"
 
 namespace aaanc
 {
@@ -36,7 +37,7 @@ const lysc_node *Schema::find(const std::string &path) const
 std::string Schema::lastError() const
 {
     const char *message = ly_errmsg(context());
-    return message != nullptr ? message : "unknown error";
+    return message != nullptr ? printable(message) : "unknown error";
 }
 
 } // namespace aaanc

@@ -24,7 +24,7 @@ public:
     }
     // The schema node of a data path without predicates; null if there is none.
     [[nodiscard]] const lysc_node *find(const std::string &path) const;
-    // libyang's message for the last error in this context.
+    // libyang's message for the last error in this context, made printable.
     [[nodiscard]] std::string lastError() const;
 
 private:

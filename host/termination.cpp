@@ -3,7 +3,6 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
-#include <ranges>
 #include <stdexcept>
 
 #include <poll.h>
@@ -59,9 +58,9 @@ void TerminationGuard::watch()
         return;
     }
     const std::lock_guard lock(mutex_);
-    for (const std::filesystem::path &path : paths_ | std::views::reverse) {
+    for (const std::filesystem::path &path : paths_) {
         std::error_code ignored;
-        std::filesystem::remove(path, ignored);
+        std::filesystem::remove_all(path, ignored);
     }
     _exit(128 + static_cast<int>(signal.ssi_signo));
 }

@@ -24,7 +24,7 @@ public:
     TerminationGuard(const TerminationGuard &) = delete;
     TerminationGuard &operator=(const TerminationGuard &) = delete;
 
-    // Paths are removed in the opposite order of their noting.
+    // Notes a file, or a directory with all that is in it.
     void removeAtEnd(const std::filesystem::path &path);
 
 private:

@@ -44,7 +44,7 @@ public:
     {
         std::string text = closeLine();
         text += fmt::format("    request {}: {}\n", record.number,
-                            record.decoded ? requestTitle(*record.decoded) : "without a header");
+                            record.decoded ? requestTitle(*record.decoded) : "not sent");
         if (record.decoded) {
             text += fields(*record.decoded);
         }

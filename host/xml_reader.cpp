@@ -9,6 +9,7 @@
 #include <fmt/format.h>
 
 #include "document_builder.hpp"
+#include "printable.hpp"
 
 namespace aaanc
 {
@@ -122,8 +123,8 @@ private:
         const lys_module *module = ly_ctx_get_module_implemented_ns(
             builder_.schema().context(), std::string(name.space).c_str());
         if (module == nullptr) {
-            builder_.fail(line(), fmt::format("unknown node \"{}\" of namespace \"{}\"", name.local,
-                                              name.space));
+            builder_.fail(line(), fmt::format("unknown node \"{}\" of namespace \"{}\"",
+                                              printable(name.local), printable(name.space)));
         }
         const lysc_node *schema = builder_.resolve(module, name.local, line());
         builder_.open(schema, line());
@@ -133,7 +134,8 @@ private:
         for (; *attributes != nullptr; attributes += 2) {
             const Name attribute(attributes[0]);
             if (attribute.space != kNetconf || attribute.local != "operation") {
-                builder_.fail(line(), fmt::format("unknown attribute \"{}\"", attribute.local));
+                builder_.fail(line(),
+                              fmt::format("unknown attribute \"{}\"", printable(attribute.local)));
             }
             builder_.setOperation(builder_.top(), attributes[1], line());
         }

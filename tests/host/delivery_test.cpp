@@ -1,6 +1,6 @@
-// What callbacks get for an edit, held against recordings of sysrepo 0.7.9 (in
-// recordings/), and against its measured behaviour written down in the same
-// form (in deliveries/).
+// What callbacks get for an edit: held against recordings of sysrepo 0.7.9 (in
+// recordings/), and against what is known of it beyond those, in the same form
+// (in deliveries/).
 //
 // A case NAME has NAME.txt, what has to be delivered; NAME.startup.xml, what is
 // there before; and NAME.edit.xml or .json. Without an edit, ENABLED is what is

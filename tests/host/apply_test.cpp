@@ -1,0 +1,211 @@
+// Whole runs of aaanc apply.
+//
+// runs/*.run: sections "file NAME", "arguments" (one a line), "status", "output",
+// "errors" or "errors without line numbers" (those of log lines are left out).
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <filesystem>
+#include <map>
+#include <regex>
+#include <thread>
+
+#include <gtest/gtest.h>
+
+#include "cmf_wire.hpp"
+#include "process.hpp"
+#include "support.hpp"
+
+namespace aaanc::test
+{
+
+namespace
+{
+
+constexpr const char *kOneServer = R"({"orvek-aaa:sysAaa": {
+  "radiusIpv4Server": {"radiusIpv4ServerInfo": [{"radiusIpv4GroupName": "core",
+    "radiusIpv4ServerAddr": "192.0.2.1", "radiusIpv4ServerAuthenPort": 1812,
+    "radiusIpv4ServerAccountPort": 1813, "radiusIpv4ServerKeyType": "0",
+    "radiusIpv4ServerKey": "63616e617279"}]}}})"; // "canary"
+
+// Waits until `done` says so, 10 seconds at most.
+template <typename Condition> bool eventually(Condition done)
+{
+    for (int i = 0; i < 1000; ++i) {
+        if (done()) {
+            return true;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    return false;
+}
+
+class Run : public testing::TestWithParam<std::string>
+{
+};
+
+TEST_P(Run, IsAsWritten)
+{
+    const ScratchDirectory scratch;
+    std::map<std::string, std::string> sections;
+    std::string section;
+    for (const std::string &line : lines(readText(testData("runs/" + GetParam() + ".run")))) {
+        if (line.starts_with("--- ")) {
+            section = line.substr(4);
+            sections[section];
+        } else {
+            sections[section] += line + "\n";
+        }
+    }
+    for (const auto &[name, text] : sections) {
+        if (name.starts_with("file ")) {
+            (void)scratch.write(name.substr(5), text);
+        }
+    }
+    const Outcome outcome = Process(scratch.path(), lines(sections.at("arguments"))).wait();
+    EXPECT_EQ(std::to_string(outcome.status) + "\n", sections.at("status"));
+    if (sections.contains("output")) {
+        EXPECT_EQ(outcome.output, sections.at("output"));
+    }
+    if (sections.contains("errors")) {
+        EXPECT_EQ(outcome.errors, sections.at("errors"));
+    } else {
+        const std::regex line_number(R"(\] \((\w+):\d+\))");
+        EXPECT_EQ(std::regex_replace(outcome.errors, line_number, "] ($1)"),
+                  sections.at("errors without line numbers"));
+    }
+}
+
+std::vector<std::string> allRuns()
+{
+    std::vector<std::string> runs = namesOf("runs", ".run");
+    std::ranges::sort(runs);
+    return runs;
+}
+
+INSTANTIATE_TEST_SUITE_P(All, Run, testing::ValuesIn(allRuns()), testName);
+
+TEST(Apply, HidesSharedKeys)
+{
+    const ScratchDirectory scratch;
+    const std::string edit = scratch.write("edit.json", kOneServer);
+    for (const std::string form : {"--json", "--hex"}) {
+        const Outcome hidden = runAaanc({"apply", "--hex", "--log-level", "4", form, edit});
+        EXPECT_EQ(hidden.status, 0);
+        EXPECT_NE(hidden.output.find("****"), std::string::npos);
+        for (const std::string &text : {hidden.output, hidden.errors}) {
+            EXPECT_EQ(text.find("canary"), std::string::npos);
+            EXPECT_EQ(text.find("63616e617279"), std::string::npos);
+            EXPECT_EQ(text.find("63 61 6e 61 72 79"), std::string::npos);
+        }
+        const Outcome shown = runAaanc({"apply", "--hex", "--show-keys", form, edit});
+        EXPECT_NE(shown.output.find("\"canary\""), std::string::npos);
+        EXPECT_EQ(shown.output.find("**"), std::string::npos);
+    }
+}
+
+TEST(Apply, TellsACommitThatIsRefused)
+{
+    const ScratchDirectory scratch;
+    const std::string edit =
+        scratch.write("edit.json", R"({"orvek-aaa:sysAaa": {"aaaGlobal": {"startFailType": 1}}})");
+    setenv("AAANC_ODD_PLUGIN", "abort", 1);
+    const Outcome outcome = Process(scratch.path(), {"apply", "--plugin", AAANC_ODD_PLUGIN_FILE,
+                                                     "edit.json", "edit.json"})
+                                .wait();
+    unsetenv("AAANC_ODD_PLUGIN");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.output,
+              "Start-up without configuration: 0 changes\n"
+              "  /orvek-aaa:sysAaa/aaaGlobal enabled, 0 changes: returned 0\n"
+              "Edit edit.json: 3 changes\n"
+              "  /orvek-aaa:sysAaa/aaaGlobal verify, 2 changes: returned 7\n"
+              "  /orvek-aaa:sysAaa/aaaGlobal abort, 2 changes: returned 9\n"
+              "edit.json was refused; no further edit is committed.\n"
+              "Summary: 1 edit, 3 callbacks, 0 requests (0 accepted, 0 refused, 0 unanswered). "
+              "2 callbacks failed.\n");
+}
+
+TEST(Apply, TellsAnInitialisationThatFails)
+{
+    setenv("AAANC_ODD_PLUGIN", "init", 1);
+    const Outcome outcome = runAaanc({"apply", "--plugin", AAANC_ODD_PLUGIN_FILE});
+    unsetenv("AAANC_ODD_PLUGIN");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(lines(outcome.output).at(0),
+              "The plug-in could not be initialised: sr_plugin_init_cb returned 4.");
+}
+
+// A service that runs alone, until it is told to end.
+class Alone
+{
+public:
+    explicit Alone(const std::string &directory)
+        : process_(directory, {"service", "--socket", "aaa.sock"})
+    {
+        EXPECT_TRUE(eventually([&] {
+            return connectTo(directory + "/aaa.sock", std::chrono::seconds(1)).has_value();
+        }));
+    }
+    Outcome end(int signal)
+    {
+        kill(process_.id(), signal);
+        return process_.wait();
+    }
+
+private:
+    Process process_;
+};
+
+TEST(ServiceAlone, TellsRequestsAndEndsBySignal)
+{
+    for (const int signal : {SIGINT, SIGTERM}) {
+        const ScratchDirectory client;
+        const ScratchDirectory scratch;
+        const std::string edit = client.write(
+            "edit.json", R"({"orvek-aaa:sysAaa": {"aaaGlobal": {"startFailType": 1}}})");
+        Alone service(scratch.path());
+        EXPECT_EQ(
+            runAaanc({"apply", "--no-enabled", "--socket", scratch.path() + "/aaa.sock", edit})
+                .status,
+            0);
+        const Outcome outcome = service.end(signal);
+        EXPECT_EQ(outcome.status, 128 + signal);
+        EXPECT_EQ(outcome.output, "    request 1: set start-failure policy (type 21)\n"
+                                  "      startFailType        1\n"
+                                  "      answer               0 (accepted)\n");
+        EXPECT_FALSE(std::filesystem::exists(scratch.path() + "/aaa.sock"));
+    }
+}
+
+TEST(ServiceAlone, ReplacesASocketThatNobodyListensOn)
+{
+    const ScratchDirectory scratch;
+    Alone first(scratch.path());
+    first.end(SIGKILL);
+    EXPECT_TRUE(std::filesystem::exists(scratch.path() + "/aaa.sock"));
+    Alone second(scratch.path());
+    EXPECT_EQ(second.end(SIGTERM).status, 128 + SIGTERM);
+}
+
+TEST(Apply, EndsBySignalWhateverItWaitsForAndLeavesNothingBehind)
+{
+    const ScratchDirectory temporary;
+    const ScratchDirectory scratch;
+    setenv("TMPDIR", temporary.path().c_str(), 1);
+    setenv("AAANC_ODD_PLUGIN", "hang", 1);
+    Process process(scratch.path(), {"apply", "--plugin", AAANC_ODD_PLUGIN_FILE});
+    unsetenv("AAANC_ODD_PLUGIN");
+    unsetenv("TMPDIR");
+    EXPECT_TRUE(eventually([&] { return !readText(scratch.path() + "/output").empty(); }));
+    EXPECT_FALSE(std::filesystem::is_empty(temporary.path()));
+    const auto begin = std::chrono::steady_clock::now();
+    kill(process.id(), SIGTERM);
+    EXPECT_EQ(process.wait().status, 128 + SIGTERM);
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(1));
+    EXPECT_TRUE(std::filesystem::is_empty(temporary.path()));
+}
+
+} // namespace
+
+} // namespace aaanc::test
