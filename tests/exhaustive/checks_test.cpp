@@ -75,11 +75,12 @@ public:
     }
     ~Mismatches()
     {
-        EXPECT_EQ(mismatches_, 0U) << "the first of " << compared_ << " addresses: " << first_;
+        EXPECT_EQ(mismatches_, 0U) << "the first: " << first_;
+        testing::Test::RecordProperty("inputs", compared_);
     }
 
 private:
-    std::size_t compared_ = 0;
+    int compared_ = 0;
     std::size_t mismatches_ = 0;
     std::string first_;
 };
@@ -185,6 +186,7 @@ TEST(ServerIpCheck, TextForms)
     };
     for (const auto &[form, result] : forms)
         EXPECT_EQ(aaaNcServerIpCheck(form), result) << '"' << form << '"';
+    RecordProperty("inputs", static_cast<int>(forms.size()));
 }
 
 namespace
@@ -213,32 +215,35 @@ const std::vector<Group> &groups()
     return all;
 }
 
-// Asks for every group, and for no name, in the first `count` of `array`.
-void askForEach(const std::vector<Group> &array)
+// Asks for every group, and for no name, in the first `count` of `array`, and
+// counts the questions.
+void askForEach(const std::vector<Group> &array, int &asks)
 {
     std::array<AaaNcGroup, 4> records{};
     std::transform(array.begin(), array.end(), records.begin(), record);
     for (std::uint32_t count = 0; count <= array.size(); ++count) {
         const auto end = array.begin() + count;
         for (const Group &asked : groups()) {
+            ++asks;
             const int expected = std::find(array.begin(), end, asked) != end ? 46 : 0;
             ASSERT_EQ(aaaNcGroupNameCheck(asked.first.c_str(), records.data(), count, asked.second),
                       expected)
                 << '"' << asked.first << "\" of type " << asked.second << " among " << count;
         }
+        ++asks;
         ASSERT_EQ(aaaNcGroupNameCheck(nullptr, records.data(), count, 0), 25);
     }
 }
 
 // Every array that begins with `array` and has up to `size` groups.
-void forEachArray(std::vector<Group> &array, std::size_t size)
+void forEachArray(std::vector<Group> &array, std::size_t size, int &asks)
 {
-    askForEach(array);
+    askForEach(array, asks);
     if (array.size() == size || testing::Test::HasFatalFailure())
         return;
     for (const Group &group : groups()) {
         array.push_back(group);
-        forEachArray(array, size);
+        forEachArray(array, size, asks);
         array.pop_back();
     }
 }
@@ -248,7 +253,9 @@ void forEachArray(std::vector<Group> &array, std::size_t size)
 TEST(GroupNameCheck, AllSmallArrays)
 {
     std::vector<Group> array;
-    forEachArray(array, 4);
+    int asks = 0;
+    forEachArray(array, 4, asks);
+    RecordProperty("inputs", asks);
 }
 
 } // namespace aaanc::test

@@ -257,7 +257,9 @@ TEST_P(BoundedCopy, EveryLength)
     const TextField &field = GetParam();
     const std::string with_short_text = payloadWith(field, "s");
     ASSERT_EQ(with_short_text.size(), payloadRecord(field.message_type)->size);
-    for (const std::size_t length : lengthsAround(field.characters)) {
+    const std::vector<std::size_t> lengths = lengthsAround(field.characters);
+    RecordProperty("inputs", static_cast<int>(lengths.size() - field.shortest));
+    for (const std::size_t length : lengths) {
         if (length < field.shortest)
             continue;
         const std::string text = textOf(length);
@@ -325,6 +327,7 @@ protected:
     void playEveryLength(const char *type, std::size_t filled, std::size_t longest) const
     {
         const KeyFields &fields = GetParam();
+        RecordProperty("inputs", static_cast<int>(kDecodedSize + 6));
         for (std::size_t length = 0; length <= kDecodedSize + 5; ++length) {
             const std::string key = textOf(length);
             const Outcome outcome = commit(fields.callback, serverWithKey(fields.list, type, key));

@@ -77,9 +77,11 @@ std::vector<std::uint32_t> smallAndExtreme(std::uint32_t small)
 
 TEST(ParamSet, EveryTypeAndOperation)
 {
+    int inputs = 0;
     const std::string payload = payloadOf(24);
     for (const std::uint32_t type : smallAndExtreme(256)) {
         for (const std::uint32_t oper : smallAndExtreme(256)) {
+            ++inputs;
             AaaNcParam block = usedBlock();
             aaaNcParamSet(type, oper, 24, payload.data(), block);
             const bool sets = oper == 0 || oper == 1;
@@ -88,6 +90,7 @@ TEST(ParamSet, EveryTypeAndOperation)
                 << "type " << type << ", operation " << oper;
         }
     }
+    RecordProperty("inputs", inputs);
 }
 
 TEST(ParamSet, EveryLength)
@@ -100,13 +103,16 @@ TEST(ParamSet, EveryLength)
                                       std::string(1012 - length, kUntouched))
             << "length " << length;
     }
+    RecordProperty("inputs", 1013);
 }
 
 TEST(CmfSendProc, EveryTypeFlagAndLengthIsSentWhole)
 {
+    int inputs = 0;
     for (const std::uint32_t type : kSentTypes) {
         for (const std::uint32_t flag : {0U, 1U, 2U, 0x100U, 0x80000000U, 0xffffffffU}) {
             for (std::uint32_t length = 0; length <= 1012; ++length) {
+                ++inputs;
                 AaaNcParam block = usedBlock();
                 block.header = {type, flag, length};
                 service = {};
@@ -120,6 +126,7 @@ TEST(CmfSendProc, EveryTypeFlagAndLengthIsSentWhole)
             }
         }
     }
+    RecordProperty("inputs", inputs);
 }
 
 namespace
@@ -189,10 +196,12 @@ TEST(CmfSendProc, EverySmallReply)
     std::vector<std::uint32_t> lengths = replyLengths();
     lengths.insert(lengths.end(), {0x7fffffffU, 0x80000000U, 0xffffffffU});
 
+    int inputs = 0;
     for (const bool null_data : {false, true}) {
         for (const std::uint32_t length : lengths) {
             for (const std::uint32_t field : length_fields) {
                 for (const std::uint32_t result : {0U, 43U, 0x80000000U, 0xffffffffU}) {
+                    ++inputs;
                     ASSERT_EQ(exchange(result, field, length, null_data),
                               expected(result, field, length, null_data))
                         << "result " << result << ", length field " << field << ", length "
@@ -201,14 +210,17 @@ TEST(CmfSendProc, EverySmallReply)
             }
         }
     }
+    RecordProperty("inputs", inputs);
 }
 
 TEST(CmfSendProc, EveryResult)
 {
-    for (const std::uint32_t result : smallAndExtreme(70000)) {
+    const std::vector<std::uint32_t> results = smallAndExtreme(70000);
+    for (const std::uint32_t result : results) {
         ASSERT_EQ(exchange(result, 0, 8, false), expected(result, 0, 8, false));
         ASSERT_EQ(exchange(result, 16, 24, false), expected(result, 16, 24, false));
     }
+    RecordProperty("inputs", static_cast<int>(2 * results.size()));
 }
 
 } // namespace aaanc::test
