@@ -222,7 +222,7 @@ void askForEach(const std::vector<Group> &array, int &asks)
     std::array<AaaNcGroup, 4> records{};
     std::transform(array.begin(), array.end(), records.begin(), record);
     for (std::uint32_t count = 0; count <= array.size(); ++count) {
-        const auto end = array.begin() + count;
+        const auto end = array.begin() + static_cast<std::ptrdiff_t>(count);
         for (const Group &asked : groups()) {
             ++asks;
             const int expected = std::find(array.begin(), end, asked) != end ? 46 : 0;

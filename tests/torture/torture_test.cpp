@@ -1,6 +1,9 @@
 // Lets every platform call of every scenario fail in every way, one call a run,
-// and holds each run against the invariants and the model. Arguments: scenario
-// files, and directories of them. A test a file.
+// and holds each run against the invariants and the model. A test a file.
+//
+//   torture_test [--every=N] FILE|DIRECTORY...
+//
+// With N, only every N-th failure is tried, where trying is slow.
 #include "harness/fake_platform.hpp"
 #include "harness/scenario_file.hpp"
 #include "model/model.hpp"
@@ -32,6 +35,9 @@ struct Totals {
 
 Totals totals;
 
+std::size_t every = 1;
+std::size_t failures_seen = 0;
+
 // More findings of one file than these tell nothing new.
 constexpr std::size_t kReportedFindings = 3;
 
@@ -59,14 +65,16 @@ private:
     void torture(const ScenarioCase &played)
     {
         ++totals.cases;
-        totals.calls += forEachFailure(played.scenario, play(played.scenario),
-                                       [&](const Scenario &failing, const std::string &what) {
-                                           check(played, failing, what);
-                                           Scenario silent = failing;
-                                           silent.log_level = 0;
-                                           silent.log_level_from_call.clear();
-                                           check(played, silent, what + ", without a log");
-                                       });
+        const TakeFailure take = [&](const Scenario &failing, const std::string &what) {
+            if (failures_seen++ % every != 0)
+                return;
+            check(played, failing, what);
+            Scenario silent = failing;
+            silent.log_level = 0;
+            silent.log_level_from_call.clear();
+            check(played, silent, what + ", without a log");
+        };
+        totals.calls += forEachFailure(played.scenario, play(played.scenario), take);
     }
 
     void check(const ScenarioCase &played, const Scenario &failing, const std::string &what)
@@ -91,6 +99,8 @@ private:
     std::string file_;
     std::size_t findings_ = 0;
 };
+
+constexpr std::string_view kEvery = "--every=";
 
 std::vector<fs::path> scenarioFiles(const fs::path &place)
 {
@@ -132,9 +142,13 @@ int main(int argc, char **argv)
     testing::InitGoogleTest(&argc, argv);
     try {
         loadPlugin(AAANC_PLUGIN);
-        for (int at = 1; at < argc; ++at) {
-            for (const auto &file : scenarioFiles(argv[at]))
-                registerFile(file);
+        for (const std::string_view argument :
+             std::vector<std::string_view>(argv + 1, argv + argc)) {
+            if (argument.rfind(kEvery, 0) == 0)
+                every = std::max(std::stoul(std::string(argument.substr(kEvery.size()))), 1UL);
+            else
+                for (const auto &file : scenarioFiles(argument))
+                    registerFile(file);
         }
     } catch (const std::exception &error) {
         std::cerr << argv[0] << ": " << error.what() << '\n';
@@ -142,7 +156,7 @@ int main(int argc, char **argv)
     }
     const int result = RUN_ALL_TESTS();
     if (totals.runs == 0) {
-        std::cerr << "usage: " << argv[0] << " FILE|DIRECTORY...\n";
+        std::cerr << "usage: " << argv[0] << " [--every=N] FILE|DIRECTORY...\n";
         return 2;
     }
     std::cout << "torture: " << totals.runs << " runs, for " << totals.calls
