@@ -7,7 +7,6 @@
 #include <csignal>
 #include <filesystem>
 #include <map>
-#include <regex>
 #include <thread>
 
 #include <gtest/gtest.h>
@@ -40,6 +39,18 @@ template <typename Condition> bool eventually(Condition done)
     return false;
 }
 
+// "[DBG] (function:12) text" becomes "[DBG] (function) text".
+std::string withoutLineNumbers(const std::string &log)
+{
+    std::string result;
+    for (const std::string &line : lines(log)) {
+        const std::size_t end = line.find(") ");
+        const std::size_t colon = line.rfind(':', end);
+        result += line.substr(0, colon) + line.substr(end) + "\n";
+    }
+    return result;
+}
+
 class Run : public testing::TestWithParam<std::string>
 {
 };
@@ -70,9 +81,7 @@ TEST_P(Run, IsAsWritten)
     if (sections.contains("errors")) {
         EXPECT_EQ(outcome.errors, sections.at("errors"));
     } else {
-        const std::regex line_number(R"(\] \((\w+):\d+\))");
-        EXPECT_EQ(std::regex_replace(outcome.errors, line_number, "] ($1)"),
-                  sections.at("errors without line numbers"));
+        EXPECT_EQ(withoutLineNumbers(outcome.errors), sections.at("errors without line numbers"));
     }
 }
 
