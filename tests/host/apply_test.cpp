@@ -94,6 +94,18 @@ std::vector<std::string> allRuns()
 
 INSTANTIATE_TEST_SUITE_P(All, Run, testing::ValuesIn(allRuns()), testName);
 
+TEST(Examples, AreAcceptedWhole)
+{
+    const std::string examples = AAANC_EXAMPLES;
+    const Outcome outcome =
+        runAaanc({"apply", "--startup", examples + "/switch.xml", examples + "/interval.xml",
+                  examples + "/interval-delete.json"});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.errors, "");
+    EXPECT_TRUE(lines(outcome.output).back().ends_with("All callbacks returned 0."));
+    EXPECT_EQ(outcome.output.find("problem"), std::string::npos);
+}
+
 TEST(Apply, HidesSharedKeys)
 {
     const ScratchDirectory scratch;
@@ -208,10 +220,8 @@ TEST(Apply, EndsBySignalWhateverItWaitsForAndLeavesNothingBehind)
     unsetenv("TMPDIR");
     EXPECT_TRUE(eventually([&] { return !readText(scratch.path() + "/output").empty(); }));
     EXPECT_FALSE(std::filesystem::is_empty(temporary.path()));
-    const auto begin = std::chrono::steady_clock::now();
     kill(process.id(), SIGTERM);
     EXPECT_EQ(process.wait().status, 128 + SIGTERM);
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(1));
     EXPECT_TRUE(std::filesystem::is_empty(temporary.path()));
 }
 
