@@ -1,16 +1,13 @@
 #include "apply.hpp"
 
-#include <memory>
-#include <thread>
+#include <vector>
 
 #include <fmt/format.h>
 
-#include "aaa_service.hpp"
 #include "changes.hpp"
 #include "delivery.hpp"
 #include "document.hpp"
 #include "edit.hpp"
-#include "plugin.hpp"
 #include "reporter.hpp"
 
 namespace aaanc
@@ -46,67 +43,27 @@ Plan makePlan(const ApplyOptions &options)
     return plan;
 }
 
-// The AAA service on a thread of this process, still behind a socket.
-class InProcessService
-{
-public:
-    explicit InProcessService(TerminationGuard &guard)
-        : directory_(guard), path_(directory_.path() / "aaa.sock"),
-          socket_(path_, [this](const CmfRequest &request) { return handler_.answer(request); }),
-          thread_([this] { socket_.serve(); })
-    {
-    }
-    ~InProcessService()
-    {
-        socket_.stop();
-        thread_.join();
-    }
-    InProcessService(const InProcessService &) = delete;
-    InProcessService &operator=(const InProcessService &) = delete;
-
-    [[nodiscard]] const std::string &path() const
-    {
-        return path_;
-    }
-
-private:
-    TemporaryDirectory directory_;
-    std::string path_;
-    RequestHandler handler_;
-    ServiceSocket socket_;
-    std::thread thread_; // started last
-};
-
 // Tells the plug-in everything. The reason if it ends early, else empty.
-std::string run(const ApplyOptions &options, const Plan &plan, Reporter &reporter)
+std::string tell(const ApplyOptions &options, const Plan &plan, Delivery &delivery,
+                 Reporter &reporter)
 {
-    Plugin plugin(options.plugin);
-    Delivery delivery(&reporter);
-    if (const int result = plugin.initialise(delivery.session()); result != 0) {
-        return fmt::format("The plug-in could not be initialised: sr_plugin_init_cb returned {}.",
-                           result);
-    }
-
     const std::vector<Change> configured = changesBetween(DataTree(), plan.states.front());
     reporter.stageBegins({StageKind::Startup, plan.documents.front().file, configured.size()});
     if (options.enabled) {
         delivery.enable(configured);
     }
-
-    std::string ended_early;
-    for (std::size_t i = 1; i < plan.states.size() && ended_early.empty(); ++i) {
+    for (std::size_t i = 1; i < plan.states.size(); ++i) {
         const DataTree &before = plan.states[i - 1];
         const DataTree &after = plan.states[i];
         const std::vector<Change> changes = changesBetween(before, after);
         reporter.stageBegins({StageKind::Edit, plan.documents[i].file, changes.size()});
         if (!delivery.commit(changes, [&] { return changesBetween(after, before); })) {
             // Later edits were checked against the data that it would have made.
-            ended_early = fmt::format("{} was refused; no further edit is committed.",
-                                      plan.documents[i].file);
+            return fmt::format("{} was refused; no further edit is committed.",
+                               plan.documents[i].file);
         }
     }
-    plugin.cleanUp(delivery.session());
-    return ended_early;
+    return {};
 }
 
 } // namespace
@@ -114,23 +71,9 @@ std::string run(const ApplyOptions &options, const Plan &plan, Reporter &reporte
 int apply(const ApplyOptions &options, TerminationGuard &guard)
 {
     const Plan plan = makePlan(options);
-
-    std::optional<InProcessService> service;
-    if (!options.socket) {
-        service.emplace(guard);
-    }
-    const std::unique_ptr<RecordWriter> writer = makeWriter(options.output, stdout);
-    Reporter reporter(*writer);
-    const CmfEndpoint endpoint{options.socket ? *options.socket : service->path(),
-                               options.time_limit, &reporter};
-    setCmfEndpoint(&endpoint);
-    const std::string ended_early = run(options, plan, reporter);
-    setCmfEndpoint(nullptr);
-    if (!ended_early.empty()) {
-        writer->stopped(ended_early);
-    }
-    writer->summary(reporter.summary());
-    return ended_early.empty() && reporter.summary().failed_callbacks == 0 ? 0 : 1;
+    return runPlugin(options, guard, [&](Delivery &delivery, Reporter &reporter) {
+        return tell(options, plan, delivery, reporter);
+    });
 }
 
 } // namespace aaanc

@@ -1,27 +1,20 @@
 // aaanc apply: a whole switch on a desk.
 #pragma once
 
-#include <chrono>
 #include <filesystem>
 #include <optional>
-#include <string>
 #include <vector>
 
-#include "termination.hpp"
-#include "writers.hpp"
+#include "plugin_run.hpp"
 
 namespace aaanc
 {
 
-struct ApplyOptions {
+struct ApplyOptions : RunOptions {
     std::optional<std::filesystem::path> startup;
     std::vector<std::filesystem::path> edits;
-    std::filesystem::path plugin;
-    std::filesystem::path yang;        // a directory
-    std::optional<std::string> socket; // of a service that runs alone
-    std::chrono::milliseconds time_limit{5000};
-    bool enabled = true; // tell the plug-in of the start-up configuration
-    OutputOptions output;
+    std::filesystem::path yang; // a directory
+    bool enabled = true;        // tell the plug-in of the start-up configuration
 };
 
 // Reads and checks all input, then starts the AAA service and the plug-in, tells

@@ -1,10 +1,6 @@
 #include "document.hpp"
 
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
-#include <fstream>
-#include <iostream>
 #include <unordered_map>
 #include <utility>
 
@@ -12,16 +8,13 @@
 
 #include "document_builder.hpp"
 #include "input_error.hpp"
+#include "input_file.hpp"
 
 namespace aaanc
 {
 
 namespace
 {
-
-// Far above the configuration of any switch; a file of this size still takes
-// only seconds.
-constexpr std::size_t kMaxFileSize = std::size_t{16} << 20U;
 
 bool takesAway(Operation operation)
 {
@@ -74,12 +67,13 @@ private:
         if (!leaf.value.has_value()) {
             fail(leaf, parent_path, "a value is missing");
         }
-        if (std::ranges::any_of(*leaf.value, isForbidden)) {
+        const std::string &value = *leaf.value;
+        if (std::ranges::any_of(value, isForbidden)) {
             fail(leaf, parent_path, "the value holds a control character, which YANG has none of");
         }
         const char *canonical = nullptr;
-        if (lyd_value_validate(schema_.context(), leaf.schema, leaf.value->data(),
-                               leaf.value->size(), nullptr, nullptr, &canonical) != LY_SUCCESS) {
+        if (lyd_value_validate(schema_.context(), leaf.schema, value.data(), value.size(), nullptr,
+                               nullptr, &canonical) != LY_SUCCESS) {
             fail(leaf, parent_path, schema_.lastError());
         }
         leaf.value = canonical;
@@ -127,32 +121,6 @@ private:
     const std::string &file_;
 };
 
-std::string readWhole(const std::filesystem::path &file, const std::string &name)
-{
-    std::ifstream stream;
-    if (file != "-") {
-        if (std::filesystem::is_directory(file)) {
-            throw InputError(name, 0, "", "is a directory");
-        }
-        stream.open(file, std::ios::binary);
-        if (!stream) {
-            throw InputError(name, 0, "", std::strerror(errno));
-        }
-    }
-    std::istream &input = file == "-" ? std::cin : stream;
-    std::string text;
-    std::string chunk(std::size_t{1} << 16U, '\0');
-    while (input.read(chunk.data(), static_cast<std::streamsize>(chunk.size())),
-           input.gcount() > 0) {
-        text.append(chunk, 0, static_cast<std::size_t>(input.gcount()));
-        if (text.size() > kMaxFileSize) {
-            throw InputError(name, 0, "",
-                             fmt::format("larger than {} MiB", kMaxFileSize / (1U << 20U)));
-        }
-    }
-    return text;
-}
-
 bool isXml(const std::string &name, std::string_view text)
 {
     if (name.ends_with(".xml") || name.ends_with(".json")) {
@@ -197,8 +165,7 @@ Document readDocument(const Schema &schema, const std::string &name, std::string
 
 Document readDocument(const Schema &schema, const std::filesystem::path &file, DocumentKind kind)
 {
-    const std::string name = file == "-" ? "standard input" : file.string();
-    return readDocument(schema, name, readWhole(file, name), kind);
+    return readDocument(schema, inputName(file), readInput(file), kind);
 }
 
 } // namespace aaanc
