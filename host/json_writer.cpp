@@ -3,7 +3,7 @@
 #include <nlohmann/json.hpp>
 
 #include "hex.hpp"
-#include "running_state.hpp"
+#include "request_text.hpp"
 #include "writers.hpp"
 
 namespace aaanc
@@ -41,7 +41,7 @@ public:
                      {"number", record.number},
                      {"callback", record.callback == 0 ? Json() : Json(record.callback)}};
         if (record.decoded) {
-            addRequest(line, *record.decoded);
+            addRequest(line, *record.decoded, options_.show_keys);
         }
         line["answer"] = {{"result", record.answer.result ? Json(*record.answer.result) : Json()},
                           {"text", record.answer.text}};
@@ -82,30 +82,6 @@ public:
     }
 
 private:
-    void addRequest(Json &line, const Request &request) const
-    {
-        line["type"] = request.type;
-        line["meaning"] = request.layout != nullptr ? Json(request.layout->meaning) : Json();
-        line["operation"] = request.set != 0 ? "set" : "undo";
-        line["length"] = request.length;
-        line["without_meaning"] = isWithoutMeaning(request);
-        line["fields"] = Json::object();
-        for (const Field &field : request.fields) {
-            line["fields"][std::string(field.layout->name)] = value(field);
-        }
-        line["problems"] = request.problems;
-    }
-
-    Json value(const Field &field) const
-    {
-        if (field.layout->kind == FieldKind::Number) {
-            return field.number;
-        }
-        const bool hidden =
-            field.layout->role == FieldRole::Secret && !options_.show_keys && !field.text.empty();
-        return hidden ? "****" : field.text;
-    }
-
     void write(const Json &line)
     {
         // A text that is not UTF-8 has its odd bytes replaced; its bytes are in "hex".

@@ -4,6 +4,7 @@
 
 #include "hex.hpp"
 #include "printable.hpp"
+#include "request_text.hpp"
 #include "writers.hpp"
 
 namespace aaanc
@@ -46,9 +47,9 @@ public:
         text += fmt::format("    request {}: {}\n", record.number,
                             record.decoded ? requestTitle(*record.decoded) : "not sent");
         if (record.decoded) {
-            text += fields(*record.decoded);
+            text += requestRows(*record.decoded, options_.show_keys);
         }
-        text += row("answer", record.answer.text);
+        text += requestRow("answer", record.answer.text);
         if (options_.hex && !record.block.empty()) {
             text += hexDump(record.block, "      ", [&](std::size_t offset) {
                 return !options_.show_keys && record.decoded &&
@@ -83,35 +84,6 @@ public:
     }
 
 private:
-    static constexpr std::size_t kNameWidth = 20;
-
-    std::string fields(const Request &request) const
-    {
-        std::string text;
-        for (const Field &field : request.fields) {
-            text += row(field.layout->name, value(field));
-        }
-        for (const std::string &problem : request.problems) {
-            text += row("problem", problem);
-        }
-        return text;
-    }
-
-    std::string value(const Field &field) const
-    {
-        if (field.layout->kind != FieldKind::Text) {
-            return fieldText(field);
-        }
-        const bool hidden =
-            field.layout->role == FieldRole::Secret && !options_.show_keys && !field.text.empty();
-        return hidden ? "****" : fmt::format("\"{}\"", fieldText(field));
-    }
-
-    static std::string row(std::string_view name, std::string_view value)
-    {
-        return fmt::format("      {:<{}} {}\n", name, kNameWidth, value);
-    }
-
     std::string closeLine()
     {
         const std::string end = line_open_ ? "\n" : "";
