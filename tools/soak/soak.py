@@ -58,14 +58,12 @@ class Service:
 
     def __init__(self, aaanc, path):
         self.aaanc, self.path = aaanc, path
-        self.lives = 0
         self.usages = []
         self.start()
 
     def start(self):
         self.process = subprocess.Popen([self.aaanc, "service", "--socket", self.path], stdout=subprocess.DEVNULL)
         self.samples = []
-        self.lives += 1
 
     def wait_until_it_listens(self):
         end = time.monotonic() + PATIENCE
@@ -136,11 +134,21 @@ def write_edits(directory, seed, count):
 def soak(options, directory):
     files = write_edits(directory, options.seed, options.commits)
     service = Service(options.aaanc, directory / "aaa")
-    service.wait_until_it_listens()
+    try:
+        service.wait_until_it_listens()
+        with subprocess.Popen([options.aaanc, "apply", "--json", "--socket", service.path, *files],
+                              cwd=directory, stdout=subprocess.PIPE, text=True) as apply:
+            counter, samples = follow(options, apply, service)
+        service.end(signal.SIGTERM)
+    finally:
+        service.process.kill()
+    return counter, apply.returncode, Usage(samples), service
+
+
+def follow(options, apply, service):
+    """Reads what aaanc apply writes, and restarts the service on the way."""
     choices = random.Random(options.seed)
     restarts = set(choices.sample(range(1, options.commits), options.restarts))
-    apply = subprocess.Popen([options.aaanc, "apply", "--json", "--socket", service.path, *files],
-                             cwd=directory, stdout=subprocess.PIPE, text=True)
     counter = Counter()
     samples = []
     for line in apply.stdout:
@@ -151,9 +159,7 @@ def soak(options, directory):
         if counter.commits % SAMPLE_EVERY == 0:
             samples += sample(apply)
             service.sample()
-    status = apply.wait(PATIENCE)
-    service.end(signal.SIGTERM)
-    return counter, status, Usage(samples), service
+    return counter, samples
 
 
 def main():
