@@ -1,8 +1,10 @@
 #include "caller.hpp"
 
 #include <algorithm>
+#include <chrono>
 #include <cstring>
 #include <stdexcept>
+#include <thread>
 #include <utility>
 #include <variant>
 
@@ -204,8 +206,13 @@ Caller::~Caller()
 void Caller::playRound()
 {
     waits_ = true;
+    const std::size_t not_connected = tally_.not_connected;
     for (int left = kCallbacksPerRound; left > 0; --left) {
         play();
+        if (tally_.not_connected != not_connected) { // let the service come up
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+            return;
+        }
     }
 }
 

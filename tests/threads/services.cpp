@@ -1,5 +1,6 @@
 #include "services.hpp"
 
+#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <cstring>
@@ -25,9 +26,43 @@ namespace aaanc::test
 namespace
 {
 
-std::string hexOf(const CmfRequest &request)
+using Block = std::span<const std::byte>;
+
+std::string hexOf(Block block)
 {
-    return hexText(request.parameter.data, [](std::size_t) { return false; });
+    return hexText(block, [](std::size_t) { return false; });
+}
+
+bool fieldIsClean(const FieldLayout &field, Block payload)
+{
+    const Block bytes = payload.subspan(field.offset, field.size);
+    const auto is_zero = [](std::byte byte) { return byte == std::byte{0}; };
+    // What stands behind a terminator may be the rest of an earlier, longer text.
+    return field.kind == FieldKind::Number ||
+           (field.kind == FieldKind::Text ? std::ranges::any_of(bytes, is_zero)
+                                          : std::ranges::all_of(bytes, is_zero));
+}
+
+// Whether all of a request says what it is about.
+bool isClean(Block block)
+{
+    const auto decoded = decodeRequest(block);
+    if (!decoded || !decoded->fits) {
+        return decoded && isWithoutMeaning(*decoded);
+    }
+    return std::ranges::all_of(decoded->layout->fields, [&](const FieldLayout &field) {
+        return fieldIsClean(field, block.subspan(kHeaderSize));
+    });
+}
+
+Bytes bytesOf(const std::string &hex)
+{
+    std::string text(hex.size() / 2, '\0');
+    if (!decodeHex(hex, text)) {
+        throw std::runtime_error("aaanc service wrote no hexadecimal text");
+    }
+    const auto bytes = std::as_bytes(std::span(text));
+    return {bytes.begin(), bytes.end()};
 }
 
 // A reply of these words, said to be `length` bytes long.
@@ -47,15 +82,12 @@ std::vector<Parameter> oddReplies()
 
 } // namespace
 
-void Served::add(const CmfRequest &request)
+void Served::add(std::span<const std::byte> block, bool accepted)
 {
-    const auto decoded = decodeRequest(request.parameter.data);
-    RequestHandler judge;
-    const bool clean = decoded && (decoded->problems.empty() || isWithoutMeaning(*decoded));
-    if (clean && judge.answer(request).data == makeReply(0).data) {
-        ++blocks[hexOf(request)];
+    if (accepted && isClean(block)) {
+        ++blocks[hexOf(block)];
     } else {
-        odd.push_back(hexOf(request));
+        odd.push_back(hexOf(block));
     }
 }
 
@@ -71,7 +103,7 @@ ServiceInProcess::~ServiceInProcess()
 
 void ServiceInProcess::start()
 {
-    handler_ = {};
+    handler_ = RequestHandler();
     socket_ = std::make_unique<ServiceSocket>(
         path_, [this](const CmfRequest &request) { return answer(request); });
     thread_ = std::jthread([this] { socket_->serve(); });
@@ -89,8 +121,8 @@ void ServiceInProcess::kill()
 Parameter ServiceInProcess::answer(const CmfRequest &request)
 {
     static const std::vector<Parameter> kOddReplies = oddReplies();
-    served_.add(request);
     const Parameter answer = handler_.answer(request);
+    served_.add(request.parameter.data, answer.data == makeReply(0).data);
     return random_.percent(15) ? random_.oneOf(kOddReplies) : answer;
 }
 
@@ -158,15 +190,8 @@ Served ServiceAlone::served() const
                 break; // the record that it was killed at
             }
             const auto record = nlohmann::json::parse(line);
-            if (record.at("record") != "request") {
-                continue;
-            }
-            const bool clean = record.contains("problems") &&
-                               (record.at("problems").empty() || record.at("without_meaning"));
-            if (clean && record.at("answer").at("result") == 0) {
-                ++served.blocks[record.at("hex")];
-            } else {
-                served.odd.push_back(line);
+            if (record.at("record") == "request") {
+                served.add(bytesOf(record.at("hex")), record.at("answer").at("result") == 0);
             }
         }
     }

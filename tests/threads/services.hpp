@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <map>
 #include <memory>
+#include <span>
 #include <string>
 #include <thread>
 #include <vector>
@@ -21,10 +22,10 @@ namespace aaanc::test
 
 // What a service has been asked in all its lives. Read when it is dead.
 struct Served {
-    std::map<std::string, std::size_t> blocks; // well-formed, in hexadecimal; how often
-    std::vector<std::string> odd;              // what was not well-formed
+    std::map<std::string, std::size_t> blocks; // accepted, in hexadecimal; how often
+    std::vector<std::string> odd;              // what was not accepted, or does not decode cleanly
 
-    void add(const CmfRequest &request);
+    void add(std::span<const std::byte> block, bool accepted);
 };
 
 class Service

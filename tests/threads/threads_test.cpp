@@ -76,7 +76,7 @@ void sleepUpTo(model::Random &random, std::uint32_t milliseconds)
 // leaves it away for a while.
 void killAgainAndAgain(Service &service)
 {
-    constexpr std::uint32_t kUp = 80; // milliseconds
+    constexpr std::uint32_t kUp = 200; // milliseconds
     constexpr std::uint32_t kAway = 10;
     model::Random random(options.seed, 0);
     for (std::size_t left = options.kills; left > 0; --left) {
@@ -105,11 +105,7 @@ template <typename Action> Tally playUntil(Action end)
     }
     const auto play = [&](Caller &caller) {
         while (round.arrive_and_wait(), going_on) {
-            const std::size_t not_connected = caller.tally().not_connected;
             caller.playRound();
-            if (caller.tally().not_connected != not_connected) { // let the service come up
-                std::this_thread::sleep_for(std::chrono::milliseconds(10));
-            }
         }
     };
     {
