@@ -1,8 +1,10 @@
 #include "aaa_service.hpp"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
+#include <optional>
 #include <stdexcept>
 #include <utility>
 #include <vector>
@@ -40,7 +42,7 @@ void removeStale(const std::string &path)
     if (type != std::filesystem::file_type::socket) {
         failWith(path, "is there and no socket");
     }
-    if (connectTo(path, std::chrono::seconds(1))) {
+    if (connectTo(path, std::chrono::milliseconds(200))) {
         failWith(path, "a service is listening there already");
     }
     unlink(path.c_str());
@@ -70,68 +72,13 @@ Descriptor listenAt(const std::string &path)
     return listening;
 }
 
-// The connections that are open, as poll() wants them.
-class Connections
-{
-public:
-    Connections(const Descriptor &stopping, const Descriptor &listening,
-                ServiceSocket::Answer &answer)
-        : listening_(listening), answer_(answer)
-    {
-        polled_.push_back({stopping.number(), POLLIN, 0});
-        polled_.push_back({listening.number(), POLLIN, 0});
-    }
+using Clock = std::chrono::steady_clock;
 
-    // Serves whatever comes next; false when it is the stop.
-    bool serveNext()
-    {
-        if (poll(polled_.data(), polled_.size(), -1) < 0) {
-            return errno == EINTR;
-        }
-        if (polled_[0].revents != 0) {
-            return false;
-        }
-        for (std::size_t i = open_.size(); i-- > 0;) {
-            if (polled_[kFixed + i].revents != 0 && !serve(open_[i])) {
-                open_.erase(open_.begin() + static_cast<std::ptrdiff_t>(i));
-                polled_.erase(polled_.begin() + static_cast<std::ptrdiff_t>(kFixed + i));
-            }
-        }
-        if (polled_[1].revents != 0) {
-            take();
-        }
-        return true;
-    }
-
-private:
-    static constexpr std::size_t kFixed = 2;
-
-    void take()
-    {
-        Descriptor connection(
-            accept4(listening_.number(), nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK));
-        if (connection) {
-            polled_.push_back({connection.number(), POLLIN, 0});
-            open_.push_back(std::move(connection));
-        }
-    }
-
-    // Answers one request; false at the end of the connection.
-    bool serve(const Descriptor &connection)
-    {
-        const std::optional<Bytes> packet = receivePacket(connection);
-        if (!packet) {
-            return false;
-        }
-        const std::optional<CmfRequest> request = unpackRequest(*packet);
-        return sendPacket(connection,
-                          packReply(request ? answer_(*request) : makeReply(kServiceMalformed)));
-    }
-
-    const Descriptor &listening_;
-    ServiceSocket::Answer &answer_;
-    std::vector<pollfd> polled_;
-    std::vector<Descriptor> open_;
+// A connection, and the answer that it waits for.
+struct Connection {
+    Descriptor socket;
+    Bytes packet; // empty for none
+    Clock::time_point due;
 };
 
 } // namespace
@@ -145,6 +92,7 @@ Parameter makeReply(std::uint32_t result)
 
 Parameter RequestHandler::answer(const CmfRequest &request)
 {
+    ++count_;
     return makeReply(judge(request));
 }
 
@@ -160,13 +108,61 @@ std::uint32_t RequestHandler::judge(const CmfRequest &request)
     if (!object_fits || (!decoded->fits && !isWithoutMeaning(*decoded))) {
         return kServiceMalformed;
     }
-    state_.accept(*decoded);
+    state_.accept(*decoded, count_);
     return 0;
 }
 
-ServiceSocket::ServiceSocket(std::string path, Answer answer)
-    : path_(std::move(path)), answer_(std::move(answer)), listening_(listenAt(path_)),
-      stopping_(eventfd(0, EFD_CLOEXEC))
+const Misbehaviour *RequestHandler::ruleFor(std::size_t number, std::uint32_t type) const
+{
+    const auto fits = [=](const Misbehaviour &rule) {
+        return rule.request.value_or(number) == number && rule.type.value_or(type) == type;
+    };
+    const auto found = std::ranges::find_if(rules_, fits);
+    return found != rules_.end() ? &*found : nullptr;
+}
+
+Treatment RequestHandler::treat(const CmfRequest &request)
+{
+    const Misbehaviour *rule = ruleFor(count_ + 1, request.object.type);
+    Treatment treatment;
+    if (rule == nullptr) {
+        treatment = answer(request);
+    } else {
+        treatment.rule = rule->text;
+        treatment.delay = rule->delay;
+        treatment.closes = rule->manner == Manner::Close;
+        if (isLookedAt(rule->manner)) {
+            treatment.packet = packSpoilt(answer(request), rule->manner);
+        } else {
+            ++count_;
+            treatment.packet =
+                rule->manner == Manner::Refuse ? packReply(makeReply(rule->code)) : Bytes();
+        }
+    }
+    treatment.leaves = isAway();
+    return treatment;
+}
+
+bool RequestHandler::closesNext()
+{
+    const bool closes = std::ranges::any_of(rules_, [this](const Misbehaviour &rule) {
+        return rule.manner == Manner::CloseBefore &&
+               rule.request.value_or(count_ + 1) == count_ + 1;
+    });
+    count_ += closes ? 1 : 0;
+    return closes;
+}
+
+bool RequestHandler::isAway() const
+{
+    return std::ranges::any_of(rules_, [this](const Misbehaviour &rule) {
+        return rule.manner == Manner::Away && rule.request.value_or(1) <= count_ + 1;
+    });
+}
+
+ServiceSocket::ServiceSocket(std::string path, Answer answer, ClosesNext closes_next)
+    : path_(std::move(path)), answer_(std::move(answer)), closes_next_(std::move(closes_next)),
+      listening_(listenAt(path_)), stopping_(eventfd(0, EFD_CLOEXEC))
 {
     if (!stopping_) {
         failWith(path_, std::strerror(errno));
@@ -175,19 +171,117 @@ ServiceSocket::ServiceSocket(std::string path, Answer answer)
 
 ServiceSocket::~ServiceSocket()
 {
-    unlink(path_.c_str());
+    leave();
 }
+
+// Serves what comes until the stop.
+class ServiceSocket::Server
+{
+public:
+    explicit Server(ServiceSocket &service) : service_(service) {}
+
+    void run()
+    {
+        while (true) {
+            std::vector<pollfd> polled = {{service_.stopping_.number(), POLLIN, 0},
+                                          {service_.listening_.number(), POLLIN, 0}};
+            for (const Connection &connection : open_) {
+                polled.push_back({connection.socket.number(), POLLIN, 0});
+            }
+            if (poll(polled.data(), polled.size(), millisecondsToNextAnswer()) < 0 &&
+                errno != EINTR) {
+                return;
+            }
+            if (polled[0].revents != 0) {
+                return;
+            }
+            for (std::size_t i = open_.size(); i-- > 0;) {
+                if (!attend(open_[i], polled[kFixed + i].revents != 0)) {
+                    open_.erase(open_.begin() + static_cast<std::ptrdiff_t>(i));
+                }
+            }
+            if (polled[1].revents != 0) {
+                take();
+            }
+        }
+    }
+
+private:
+    static constexpr std::size_t kFixed = 2;
+
+    // -1 when there is none to come, as poll() wants it.
+    [[nodiscard]] int millisecondsToNextAnswer() const
+    {
+        std::optional<Clock::time_point> next;
+        for (const Connection &connection : open_) {
+            if (!connection.packet.empty()) {
+                next = std::min(next.value_or(connection.due), connection.due);
+            }
+        }
+        if (!next) {
+            return -1;
+        }
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(*next - Clock::now());
+        return static_cast<int>(std::max<std::int64_t>(left.count(), 0));
+    }
+
+    void take()
+    {
+        Descriptor socket(
+            accept4(service_.listening_.number(), nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK));
+        if (socket && !service_.closes_next_()) {
+            open_.push_back({std::move(socket), {}, {}});
+        }
+    }
+
+    // False at the end of the connection.
+    bool attend(Connection &connection, bool readable)
+    {
+        if (readable && !receive(connection)) {
+            return false;
+        }
+        if (connection.packet.empty() || connection.due > Clock::now()) {
+            return true;
+        }
+        return sendPacket(connection.socket, std::exchange(connection.packet, {}));
+    }
+
+    bool receive(Connection &connection)
+    {
+        const std::optional<Bytes> packet = receivePacket(connection.socket);
+        if (!packet) {
+            return false;
+        }
+        const std::optional<CmfRequest> request = unpackRequest(*packet);
+        Treatment treatment = request ? service_.answer_(*request) : makeReply(kServiceMalformed);
+        if (treatment.leaves) {
+            service_.leave();
+        }
+        connection.packet = std::move(treatment.packet);
+        connection.due = Clock::now() + treatment.delay;
+        return !treatment.closes;
+    }
+
+    ServiceSocket &service_;
+    std::vector<Connection> open_;
+};
 
 void ServiceSocket::serve()
 {
-    Connections connections(stopping_, listening_, answer_);
-    while (connections.serveNext()) {
-    }
+    Server(*this).run();
 }
 
 void ServiceSocket::stop()
 {
     eventfd_write(stopping_.number(), 1);
+}
+
+void ServiceSocket::leave()
+{
+    if (listening_) {
+        unlink(path_.c_str());
+        listening_ = Descriptor();
+    }
 }
 
 } // namespace aaanc

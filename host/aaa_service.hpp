@@ -1,12 +1,16 @@
 // The AAA service: answers requests on a socket.
 #pragma once
 
+#include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "cmf_wire.hpp"
 #include "messages.hpp"
+#include "misbehaviour.hpp"
 #include "running_state.hpp"
 
 namespace aaanc
@@ -16,36 +20,64 @@ namespace aaanc
 // gives a meaning to.
 constexpr std::uint32_t kServiceMalformed = 22; // a request that is not as it should be
 
-// Decides about requests. Not for several threads.
+// What happens to a request.
+struct Treatment {
+    Treatment() = default;
+    // An answer at once.
+    Treatment(const Parameter &reply) : packet(packReply(reply)) {} // NOLINT: a reply is one
+
+    Bytes packet;                       // that answers; empty for no answer
+    std::chrono::milliseconds delay{0}; // of the answer
+    bool closes = false;                // the connection, instead of answering
+    bool leaves = false;                // nobody listens any more, already before the answer
+    std::string rule;                   // that asks for it; empty for none
+};
+
+// Decides about requests, and counts them. Not for several threads.
 class RequestHandler
 {
 public:
-    // The reply to a request, whose settings are kept if it is accepted.
+    // Of several rules for a request, the first counts.
+    explicit RequestHandler(std::vector<Misbehaviour> rules = {}) : rules_(std::move(rules)) {}
+
+    // The reply to a request, whose settings are kept if it is accepted. Knows no rules.
     Parameter answer(const CmfRequest &request);
+    // The same, as the rules want it.
+    Treatment treat(const CmfRequest &request);
+    // Whether the rules want the next request's connection closed at once; if so, that was it.
+    bool closesNext();
+    // Whether the rules want nobody to listen for the next request.
+    [[nodiscard]] bool isAway() const;
+
     [[nodiscard]] const RunningState &state() const
     {
         return state_;
     }
 
 private:
+    [[nodiscard]] const Misbehaviour *ruleFor(std::size_t number, std::uint32_t type) const;
     std::uint32_t judge(const CmfRequest &request);
 
+    std::vector<Misbehaviour> rules_;
     RunningState state_;
+    std::size_t count_ = 0; // of the requests so far
 };
 
 // The bytes of a reply: result code, length of further data, no data.
 Parameter makeReply(std::uint32_t result);
 
-// Serves connections until stop(). A packet that is no request is answered
-// kServiceMalformed without asking. The socket is the owner's alone (mode 0600),
-// and is removed in the end. A stale one at `path` is replaced; throws
-// std::runtime_error where something else is there or no socket can be made.
+// Serves connections until stop(). One is closed at once where `closes_next` says so. A packet that
+// is no request is answered kServiceMalformed without asking. The socket is the owner's alone (mode
+// 0600), and is removed in the end. A stale one at `path` is replaced; throws std::runtime_error
+// where something else is there or no socket can be made.
 class ServiceSocket
 {
 public:
-    using Answer = std::function<Parameter(const CmfRequest &request)>;
+    using Answer = std::function<Treatment(const CmfRequest &request)>;
+    using ClosesNext = std::function<bool()>;
 
-    ServiceSocket(std::string path, Answer answer);
+    ServiceSocket(
+        std::string path, Answer answer, ClosesNext closes_next = [] { return false; });
     ~ServiceSocket();
     ServiceSocket(const ServiceSocket &) = delete;
     ServiceSocket &operator=(const ServiceSocket &) = delete;
@@ -54,12 +86,18 @@ public:
     void serve();
     // From any thread, and from a signal handler.
     void stop();
+    // Goes away: nobody can connect any more. Connections that there are stay. Not
+    // while another thread serves.
+    void leave();
 
 private:
+    class Server;
+
     std::string path_;
     Answer answer_;
-    Descriptor listening_;
-    Descriptor stopping_; // an eventfd
+    ClosesNext closes_next_;
+    Descriptor listening_; // until it has left
+    Descriptor stopping_;  // an eventfd
 };
 
 } // namespace aaanc

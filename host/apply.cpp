@@ -8,6 +8,7 @@
 #include "delivery.hpp"
 #include "document.hpp"
 #include "edit.hpp"
+#include "input_error.hpp"
 #include "reporter.hpp"
 
 namespace aaanc
@@ -43,6 +44,22 @@ Plan makePlan(const ApplyOptions &options)
     return plan;
 }
 
+// A recording takes the place of a file that is there, but not of an input.
+void refuseToReplaceInput(const ApplyOptions &options)
+{
+    std::vector<std::filesystem::path> inputs = options.edits;
+    if (options.startup) {
+        inputs.push_back(*options.startup);
+    }
+    for (const std::filesystem::path &input : inputs) {
+        std::error_code not_there;
+        if (options.record && std::filesystem::equivalent(*options.record, input, not_there)) {
+            throw InputError(options.record->string(), 0, "",
+                             "would be replaced by the recording, but is an input");
+        }
+    }
+}
+
 // Tells the plug-in everything. The reason if it ends early, else empty.
 std::string tell(const ApplyOptions &options, const Plan &plan, Delivery &delivery,
                  Reporter &reporter)
@@ -70,6 +87,7 @@ std::string tell(const ApplyOptions &options, const Plan &plan, Delivery &delive
 
 int apply(const ApplyOptions &options, TerminationGuard &guard)
 {
+    refuseToReplaceInput(options);
     const Plan plan = makePlan(options);
     return runPlugin(options, guard, [&](Delivery &delivery, Reporter &reporter) {
         return tell(options, plan, delivery, reporter);

@@ -37,33 +37,6 @@ Fate fateOf(const lyd_node *node, Fate parent)
                                     : parent;
 }
 
-std::uint32_t typeOf(const lysc_node *schema)
-{
-    if (isList(schema)) {
-        return SR_LIST_T;
-    }
-    if (!isLeaf(schema)) {
-        return isPlainContainer(schema) ? SR_CONTAINER_T : SR_CONTAINER_PRESENCE_T;
-    }
-    switch (reinterpret_cast<const lysc_node_leaf *>(schema)->type->basetype) {
-    case LY_TYPE_BOOL:
-        return SR_BOOL_T;
-    case LY_TYPE_ENUM:
-        return SR_ENUM_T;
-    case LY_TYPE_STRING:
-        return SR_STRING_T;
-    case LY_TYPE_UINT8:
-        return SR_UINT8_T;
-    case LY_TYPE_UINT16:
-        return SR_UINT16_T;
-    case LY_TYPE_UINT32:
-        return SR_UINT32_T;
-    default:
-        throw std::logic_error(
-            fmt::format("leaf {} has a type that has no value record", schema->name));
-    }
-}
-
 Value valueOf(const lyd_node *node)
 {
     char *path = lyd_path(node, LYD_PATH_STD, nullptr, 0);
@@ -194,6 +167,51 @@ private:
 
 } // namespace
 
+DataKind dataKind(std::uint32_t type)
+{
+    switch (type) {
+    case SR_LIST_T:
+    case SR_CONTAINER_T:
+    case SR_CONTAINER_PRESENCE_T:
+        return DataKind::None;
+    case SR_BOOL_T:
+        return DataKind::Bool;
+    case SR_UINT8_T:
+    case SR_UINT16_T:
+    case SR_UINT32_T:
+        return DataKind::Number;
+    default:
+        return DataKind::Text;
+    }
+}
+
+std::uint32_t typeOf(const lysc_node *schema)
+{
+    if (isList(schema)) {
+        return SR_LIST_T;
+    }
+    if (!isLeaf(schema)) {
+        return isPlainContainer(schema) ? SR_CONTAINER_T : SR_CONTAINER_PRESENCE_T;
+    }
+    switch (reinterpret_cast<const lysc_node_leaf *>(schema)->type->basetype) {
+    case LY_TYPE_BOOL:
+        return SR_BOOL_T;
+    case LY_TYPE_ENUM:
+        return SR_ENUM_T;
+    case LY_TYPE_STRING:
+        return SR_STRING_T;
+    case LY_TYPE_UINT8:
+        return SR_UINT8_T;
+    case LY_TYPE_UINT16:
+        return SR_UINT16_T;
+    case LY_TYPE_UINT32:
+        return SR_UINT32_T;
+    default:
+        throw std::logic_error(
+            fmt::format("leaf {} has a type that has no value record", schema->name));
+    }
+}
+
 std::vector<Change> changesBetween(const DataTree &before, const DataTree &after)
 {
     DataTree diff;
@@ -207,8 +225,11 @@ std::vector<Change> changesBelow(const std::vector<Change> &changes, std::string
 {
     std::vector<Change> below;
     for (const Change &change : changes) {
-        const std::string path =
-            withoutPredicates((change.new_value ? change.new_value : change.old_value)->xpath);
+        const std::optional<Value> &value = change.new_value ? change.new_value : change.old_value;
+        if (!value || !value->xpath) {
+            continue;
+        }
+        const std::string path = withoutPredicates(*value->xpath);
         if (path == xpath || (path.starts_with(xpath) && path[xpath.size()] == '/')) {
             below.push_back(change);
         }

@@ -12,17 +12,26 @@
 namespace aaanc
 {
 
+// A null xpath and a null text come from recordings only.
 struct Value {
-    std::string xpath;      // instance path, keys as predicates in key order
-    std::uint32_t type = 0; // an SR_..._T of platform/sysrepo.h
-    std::string text;       // of a leaf, canonical
+    std::optional<std::string> xpath; // instance path, keys as predicates in key order
+    std::uint32_t type = 0;           // an SR_..._T of platform/sysrepo.h
+    std::optional<std::string> text;  // of a leaf, canonical
 };
+
+// How a value of a type holds its data. Types without a number of their own hold
+// a text, as platform/sysrepo.h has it for the ones that are used.
+enum class DataKind { None, Bool, Number, Text };
+DataKind dataKind(std::uint32_t type);
 
 struct Change {
     std::uint32_t oper = 0; // an SR_OP_... of platform/sysrepo.h
     std::optional<Value> old_value;
     std::optional<Value> new_value;
 };
+
+// The type of a node's values. Throws std::logic_error for a leaf without any.
+std::uint32_t typeOf(const lysc_node *schema);
 
 // The changes from `before` to `after`. First all that are modified, then all
 // that are deleted, then all that are created:

@@ -26,6 +26,13 @@ std::size_t Delivery::subscriptionCount() const
     return count;
 }
 
+bool Delivery::isSubscribed(std::string_view subtree) const
+{
+    bool found = false;
+    forEach([&](const Subscription &subscription) { found |= subscription.xpath == subtree; });
+    return found;
+}
+
 void Delivery::enable(const std::vector<Change> &changes)
 {
     thread_.run([&] {

@@ -60,6 +60,8 @@ public:
     virtual ~DeliveryObserver() = default;
     virtual void callbackBegins(const Notification &notification) = 0;
     virtual void callbackEnded(const Notification &notification, int result) = 0;
+    // The callback under way has taken another change.
+    virtual void changeTaken() {}
 };
 
 class Delivery
@@ -80,6 +82,7 @@ public:
     // Ends all subscriptions of the context; false when there is no such context.
     bool unsubscribe(const sr_subscription_ctx_t *context);
     [[nodiscard]] std::size_t subscriptionCount() const;
+    [[nodiscard]] bool isSubscribed(std::string_view subtree) const;
 
     // ENABLED to every subscription, with what is below it among `changes`.
     void enable(const std::vector<Change> &changes);
@@ -94,6 +97,13 @@ public:
     // One callback of every subscription at `subtree`; 0 when there is none.
     int notify(std::string_view subtree, sr_notif_event_t event,
                const std::vector<Change> &changes);
+
+    void changeTaken()
+    {
+        if (observer_ != nullptr) {
+            observer_->changeTaken();
+        }
+    }
 
 private:
     int call(const Subscription &subscription, sr_session_ctx_t &session, sr_notif_event_t event,

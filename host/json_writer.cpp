@@ -14,21 +14,20 @@ namespace
 
 using Json = nlohmann::ordered_json;
 
-// Raised when a record changes its form; new members alone do not raise it.
-constexpr int kFormat = 1;
-
 class JsonWriter : public RecordWriter
 {
 public:
     JsonWriter(const OutputOptions &options, std::FILE *output) : options_(options), output_(output)
     {
-        write({{"record", "run"}, {"format", kFormat}});
+        write({{"record", "run"}, {"format", kJsonFormat}});
     }
 
     void stage(const StageRecord &record) override
     {
         write({{"record", "stage"},
-               {"stage", record.kind == StageKind::Edit ? "edit" : "startup"},
+               {"stage", record.kind == StageKind::Edit        ? "edit"
+                         : record.kind == StageKind::Recording ? "recording"
+                                                               : "startup"},
                {"file", record.file.empty() ? Json() : Json(record.file)},
                {"changes", record.changes}});
     }
@@ -69,10 +68,22 @@ public:
         write({{"record", "stopped"}, {"reason", reason}});
     }
 
+    void state(const RunningState &state) override
+    {
+        Json objects = Json::array();
+        for (const auto &[object, kept] : state.objects()) {
+            Json told = {{"request", kept.number}};
+            addRequest(told, kept.request, options_.show_keys);
+            objects.push_back(std::move(told));
+        }
+        write({{"record", "state"}, {"objects", std::move(objects)}});
+    }
+
     void summary(const Summary &summary) override
     {
         write({{"record", "summary"},
                {"edits", summary.commits},
+               {"recordings", summary.recordings},
                {"callbacks", summary.callbacks},
                {"failed_callbacks", summary.failed_callbacks},
                {"requests", summary.requests},

@@ -8,8 +8,10 @@
 #include <fmt/format.h>
 
 #include "apply.hpp"
+#include "decode.hpp"
 #include "locations.hpp"
 #include "printable.hpp"
+#include "replay.hpp"
 #include "service.hpp"
 #include "sysrepo.h"
 
@@ -25,6 +27,55 @@ void addOutputOptions(CLI::App &command, aaanc::OutputOptions &output)
     command.add_flag("--show-keys", output.show_keys, "Show shared keys, instead of ****");
 }
 
+void addMisbehaviour(CLI::App &command, std::vector<aaanc::Misbehaviour> &rules)
+{
+    command
+        .add_option_function<std::vector<std::string>>(
+            "--misbehave",
+            [&rules](const std::vector<std::string> &texts) {
+                for (const std::string &text : texts) {
+                    try {
+                        rules.push_back(aaanc::parseMisbehaviour(text));
+                    } catch (const std::invalid_argument &error) {
+                        throw CLI::ValidationError("--misbehave", error.what());
+                    }
+                }
+            },
+            "How the AAA service misbehaves; again for more, of which the first that fits counts")
+        ->type_name("'[request N: | type T: ]MANNER'")
+        ->allow_extra_args(false);
+    command.footer("Ways to misbehave, at every request, at the n-th or at those of a type:\n" +
+                   aaanc::mannersHelp() +
+                   "Of requests that are refused or not answered nothing is kept.\n\n"
+                   "Examples of --misbehave:\n"
+                   "  'request 3: refuse 43'   the third request is refused with code 43\n"
+                   "  'type 30: silent'        no answer for any TACACS server\n"
+                   "  'late 2.5'               every answer comes 2.5 seconds late\n"
+                   "  'request 1: away'        there is no service");
+}
+
+// What apply and replay have in common. `seconds` is the time limit.
+void addRunOptions(CLI::App &command, aaanc::RunOptions &options, double &seconds)
+{
+    command
+        .add_option("--log-level", srp_ll_syslog,
+                    "Log lines of the plug-in, to standard error: 0 none, 1 errors, 4 all")
+        ->check(CLI::Range(0, 4));
+    command.add_option("--plugin", options.plugin, "The plug-in")->capture_default_str();
+    command.add_option("--socket", options.socket,
+                       "Socket of an AAA service that runs alone (aaanc service)");
+    command.add_option("--receive-timeout", seconds, "Seconds that an answer may take")
+        ->check(CLI::Range(0.001, 86400.0))
+        ->capture_default_str();
+    addMisbehaviour(command, options.misbehaviours);
+    addOutputOptions(command, options.output);
+}
+
+void addYang(CLI::App &command, std::filesystem::path &yang)
+{
+    command.add_option("--yang", yang, "Directory of orvek-aaa.yang")->capture_default_str();
+}
+
 CLI::App *addApply(CLI::App &app, aaanc::ApplyOptions &options, double &seconds)
 {
     CLI::App *apply = app.add_subcommand(
@@ -35,19 +86,69 @@ CLI::App *addApply(CLI::App &app, aaanc::ApplyOptions &options, double &seconds)
     apply->add_option("--startup", options.startup, "File of the configuration at start-up");
     apply->add_flag("--no-enabled{false},--enabled", options.enabled,
                     "Do not tell the plug-in of the start-up configuration");
-    apply
-        ->add_option("--log-level", srp_ll_syslog,
-                     "Log lines of the plug-in, to standard error: 0 none, 1 errors, 4 all")
-        ->check(CLI::Range(0, 4));
-    apply->add_option("--plugin", options.plugin, "The plug-in")->capture_default_str();
-    apply->add_option("--yang", options.yang, "Directory of orvek-aaa.yang")->capture_default_str();
-    apply->add_option("--socket", options.socket,
-                      "Socket of an AAA service that runs alone (aaanc service)");
-    apply->add_option("--receive-timeout", seconds, "Seconds that an answer may take")
-        ->check(CLI::Range(0.001, 86400.0))
-        ->capture_default_str();
-    addOutputOptions(*apply, options.output);
+    apply->add_option("--record", options.record,
+                      "Write what is delivered into this file, for aaanc replay; shared keys are "
+                      "in it");
+    addYang(*apply, options.yang);
+    addRunOptions(*apply, options, seconds);
     return apply;
+}
+
+CLI::App *addReplay(CLI::App &app, aaanc::ReplayOptions &options, double &seconds)
+{
+    CLI::App *replay = app.add_subcommand(
+        "replay", "Deliver recorded changes to the plug-in, without a datastore, and show what it "
+                  "asks of the AAA service");
+    replay
+        ->add_option("TRACE", options.traces,
+                     "Recordings (docs/trace-format.md, - for standard input), one after another")
+        ->required();
+    addYang(*replay, options.yang);
+    addRunOptions(*replay, options, seconds);
+    replay->footer(
+        replay->get_footer() +
+        "\n\nExamples:\n"
+        "  aaanc replay device.txt                 what a device was told, at the desk\n"
+        "  aaanc replay --json --hex device.txt    the same with every byte, for a tool\n"
+        "  aaanc apply --record run.txt edit.xml   record, ...\n"
+        "  aaanc replay --log-level 4 run.txt      ... and replay with all log lines\n");
+    return replay;
+}
+
+CLI::App *addDecode(CLI::App &app, aaanc::DecodeOptions &options)
+{
+    CLI::App *decode = app.add_subcommand(
+        "decode", "Show a hex dump of a request's parameter block, or of its payload, by name");
+    decode
+        ->add_option("FILE", options.file,
+                     "Dump (- for standard input): hex digits, xxd, hexdump -C, or aaanc --hex")
+        ->required();
+    decode->add_option("--type", options.type, "The dump is a payload of this message type alone");
+    decode
+        ->add_option_function<std::string>(
+            "--order",
+            [&options](const std::string &name) {
+                if (name != "auto") {
+                    options.order = name == "big" ? std::endian::big : std::endian::little;
+                }
+            },
+            "Byte order; auto takes the one that the header makes sense in, and big for a payload")
+        ->check(CLI::IsMember({"big", "little", "auto"}))
+        ->default_str("auto");
+    addOutputOptions(*decode, options.output);
+    decode->footer("The exit code is 0 when all is as it should be, 1 when something is not, 2 for "
+                   "what is no dump.\n\n"
+                   "Examples:\n"
+                   "  xxd request.bin | aaanc decode -\n"
+                   "  aaanc decode --show-keys request.hex\n"
+                   "  echo 0000003c | aaanc decode --type 5 --order big -");
+    return decode;
+}
+
+std::chrono::milliseconds milliseconds(double seconds)
+{
+    return std::chrono::duration_cast<std::chrono::milliseconds>(
+        std::chrono::duration<double>(seconds));
 }
 
 int run(int argc, char **argv)
@@ -60,12 +161,19 @@ int run(int argc, char **argv)
     apply_options.yang = aaanc::defaultYang();
     double seconds = 5;
     const CLI::App *apply = addApply(app, apply_options, seconds);
+    aaanc::ReplayOptions replay_options;
+    replay_options.plugin = apply_options.plugin;
+    replay_options.yang = apply_options.yang;
+    const CLI::App *replay = addReplay(app, replay_options, seconds);
 
-    std::string socket;
-    aaanc::OutputOptions service_output;
+    aaanc::DecodeOptions decode_options;
+    const CLI::App *decode = addDecode(app, decode_options);
+
+    aaanc::ServiceOptions service_options;
     CLI::App *service = app.add_subcommand("service", "Run the AAA service alone");
-    service->add_option("--socket", socket, "Where to listen")->required();
-    addOutputOptions(*service, service_output);
+    service->add_option("--socket", service_options.socket, "Where to listen")->required();
+    addMisbehaviour(*service, service_options.misbehaviours);
+    addOutputOptions(*service, service_options.output);
 
     // CLI11 would only say that a command is missing.
     const auto is_first = [=](const CLI::App *command) { return command->get_name() == argv[1]; };
@@ -81,13 +189,19 @@ int run(int argc, char **argv)
         return app.exit(error) == 0 ? 0 : kBadInput;
     }
 
+    if (*decode) {
+        return aaanc::decode(decode_options);
+    }
     aaanc::TerminationGuard guard;
     if (*apply) {
-        apply_options.time_limit = std::chrono::duration_cast<std::chrono::milliseconds>(
-            std::chrono::duration<double>(seconds));
+        apply_options.time_limit = milliseconds(seconds);
         return aaanc::apply(apply_options, guard);
     }
-    aaanc::serveAlone(socket, service_output, guard);
+    if (*replay) {
+        replay_options.time_limit = milliseconds(seconds);
+        return aaanc::replay(replay_options, guard);
+    }
+    aaanc::serveAlone(service_options, guard);
     return 0;
 }
 

@@ -267,6 +267,17 @@ std::string fieldText(const Field &field)
     return meanings.empty() ? digits : fmt::format("{} ({})", digits, meanings);
 }
 
+std::string_view groupTypeMeaning(const Request &method_list, std::uint32_t type)
+{
+    constexpr std::string_view kAuthentication[] = {"unset", "unknown", "tacacs-group", "radius-group"};
+    constexpr std::string_view kAccounting[] = {"unset", "none", "radius-group", "tacacs-group"};
+    const bool accounting = std::ranges::any_of(method_list.fields, [](const Field &field) {
+        return field.layout->name == "methodKind" && field.number == kMethodKinds[1].number;
+    });
+    const auto &meanings = accounting ? kAccounting : kAuthentication;
+    return type < std::size(meanings) ? meanings[type] : "unknown";
+}
+
 bool isSecret(const MessageLayout *layout, std::size_t offset)
 {
     if (layout == nullptr) {

@@ -82,6 +82,10 @@ std::optional<Request> decodeRequest(std::span<const std::byte> block,
 // The value as text: printable, and with the meaning of a number.
 std::string fieldText(const Field &field);
 
+// What the type of a group means in a method list, "unknown" for nothing; the two
+// kinds number the protocols the other way round.
+std::string_view groupTypeMeaning(const Request &method_list, std::uint32_t type);
+
 // Whether byte `offset` of a parameter block of this type is part of a shared
 // key. Of a type that is unknown (null), every payload byte might be.
 bool isSecret(const MessageLayout *layout, std::size_t offset);

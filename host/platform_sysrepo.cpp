@@ -52,6 +52,13 @@ template <typename T> T *allocate(std::size_t size)
     return static_cast<T *>(memory);
 }
 
+char *copyText(const std::string &text)
+{
+    auto *copy = allocate<char>(text.size() + 1);
+    text.copy(copy, text.size());
+    return copy;
+}
+
 void setData(sr_val_t &target, const aaanc::Value &value)
 {
     switch (value.type) {
@@ -63,22 +70,17 @@ void setData(sr_val_t &target, const aaanc::Value &value)
         target.data.bool_val = value.text == "true";
         break;
     case SR_UINT8_T:
-        target.data.uint8_val = static_cast<std::uint8_t>(std::stoul(value.text));
+        target.data.uint8_val = static_cast<std::uint8_t>(std::stoul(*value.text));
         break;
     case SR_UINT16_T:
-        target.data.uint16_val = static_cast<std::uint16_t>(std::stoul(value.text));
+        target.data.uint16_val = static_cast<std::uint16_t>(std::stoul(*value.text));
         break;
     case SR_UINT32_T:
-        target.data.uint32_val = static_cast<std::uint32_t>(std::stoul(value.text));
+        target.data.uint32_val = static_cast<std::uint32_t>(std::stoul(*value.text));
         break;
     default:
-        target.data.string_val = strdup(value.text.c_str());
+        target.data.string_val = value.text ? copyText(*value.text) : nullptr;
     }
-}
-
-bool holdsString(sr_type_t type)
-{
-    return type == SR_STRING_T || type == SR_ENUM_T;
 }
 
 sr_val_t *makeValue(const std::optional<aaanc::Value> &value)
@@ -88,8 +90,10 @@ sr_val_t *makeValue(const std::optional<aaanc::Value> &value)
     }
     auto *made = allocate<sr_val_t>(sizeof(sr_val_t));
     made->type = value->type;
-    made->xpath = allocate<char>(aaanc::xpathBufferSize(value->xpath));
-    value->xpath.copy(made->xpath, value->xpath.size());
+    if (value->xpath) {
+        made->xpath = allocate<char>(aaanc::xpathBufferSize(*value->xpath));
+        value->xpath->copy(made->xpath, value->xpath->size());
+    }
     setData(*made, *value);
     return made;
 }
@@ -128,8 +132,8 @@ int sr_get_changes_iter(sr_session_ctx_t *session, const char *xpath, sr_change_
     return SR_ERR_OK;
 }
 
-int sr_get_change_next(sr_session_ctx_t * /*session*/, sr_change_iter_t *iter,
-                       sr_change_oper_t *oper, sr_val_t **old_value, sr_val_t **new_value)
+int sr_get_change_next(sr_session_ctx_t *session, sr_change_iter_t *iter, sr_change_oper_t *oper,
+                       sr_val_t **old_value, sr_val_t **new_value)
 {
     if (iter == nullptr || oper == nullptr || old_value == nullptr || new_value == nullptr) {
         return kInvalidArgument;
@@ -141,6 +145,9 @@ int sr_get_change_next(sr_session_ctx_t * /*session*/, sr_change_iter_t *iter,
             *new_value = nullptr;
         }
         return SR_ERR_NO_MORE_CHANGES;
+    }
+    if (session != nullptr) {
+        session->delivery->changeTaken();
     }
     const aaanc::Change &change = iter->changes[iter->next++];
     *oper = change.oper;
@@ -159,7 +166,7 @@ void sr_free_val(sr_val_t *value)
     if (value == nullptr) {
         return;
     }
-    if (holdsString(value->type)) {
+    if (aaanc::dataKind(value->type) == aaanc::DataKind::Text) {
         std::free(value->data.string_val);
     }
     std::free(value->xpath);

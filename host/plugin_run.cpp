@@ -7,6 +7,8 @@
 
 #include "aaa_service.hpp"
 #include "plugin.hpp"
+#include "sysrepo.h"
+#include "trace_recorder.hpp"
 
 namespace aaanc
 {
@@ -18,16 +20,20 @@ namespace
 class InProcessService
 {
 public:
-    explicit InProcessService(TerminationGuard &guard)
-        : directory_(guard), path_(directory_.path() / "aaa.sock"),
-          socket_(path_, [this](const CmfRequest &request) { return handler_.answer(request); }),
-          thread_([this] { socket_.serve(); })
+    InProcessService(TerminationGuard &guard, const std::vector<Misbehaviour> &misbehaviours)
+        : directory_(guard), path_(directory_.path() / "aaa.sock"), handler_(misbehaviours),
+          socket_(
+              path_, [this](const CmfRequest &request) { return handler_.treat(request); },
+              [this] { return handler_.closesNext(); })
     {
+        if (handler_.isAway()) {
+            socket_.leave();
+        }
+        thread_ = std::thread([this] { socket_.serve(); });
     }
     ~InProcessService()
     {
-        socket_.stop();
-        thread_.join();
+        end();
     }
     InProcessService(const InProcessService &) = delete;
     InProcessService &operator=(const InProcessService &) = delete;
@@ -35,6 +41,16 @@ public:
     [[nodiscard]] const std::string &path() const
     {
         return path_;
+    }
+
+    // Ends it; what it holds then.
+    const RunningState &end()
+    {
+        if (thread_.joinable()) {
+            socket_.stop();
+            thread_.join();
+        }
+        return handler_.state();
     }
 
 private:
@@ -62,10 +78,11 @@ private:
     Delivery &delivery_;
 };
 
-std::string run(const RunOptions &options, Reporter &reporter, const Telling &tell)
+std::string run(const RunOptions &options, DeliveryObserver &observer, Reporter &reporter,
+                const Telling &tell)
 {
     Plugin plugin(options.plugin);
-    Delivery delivery(&reporter);
+    Delivery delivery(&observer);
     if (const int result = plugin.initialise(delivery.session()); result != 0) {
         return fmt::format("The plug-in could not be initialised: sr_plugin_init_cb returned {}.",
                            result);
@@ -80,19 +97,32 @@ int runPlugin(const RunOptions &options, TerminationGuard &guard, const Telling 
 {
     std::optional<InProcessService> service;
     if (!options.socket) {
-        service.emplace(guard);
+        service.emplace(guard, options.misbehaviours);
     }
     const std::unique_ptr<RecordWriter> writer = makeWriter(options.output, stdout);
-    Reporter reporter(*writer);
+    Progress progress(srp_ll_syslog == 0); // log lines tell enough
+    Reporter reporter(*writer, &progress);
+    std::optional<TraceRecorder> recorder;
+    if (options.record) {
+        recorder.emplace(*options.record, reporter);
+    }
     const CmfEndpoint endpoint{options.socket ? *options.socket : service->path(),
                                options.time_limit, &reporter};
     setCmfEndpoint(&endpoint);
-    const std::string ended_early = run(options, reporter, tell);
+    const std::string ended_early = run(
+        options, recorder ? *recorder : static_cast<DeliveryObserver &>(reporter), reporter, tell);
     setCmfEndpoint(nullptr);
+    progress.end();
     if (!ended_early.empty()) {
         writer->stopped(ended_early);
     }
+    if (service) {
+        writer->state(service->end());
+    }
     writer->summary(reporter.summary());
+    if (recorder) {
+        recorder->finish();
+    }
     return ended_early.empty() && reporter.summary().failed_callbacks == 0 ? 0 : 1;
 }
 

@@ -9,17 +9,18 @@
 
 #include "cmf_client.hpp"
 #include "messages.hpp"
+#include "running_state.hpp"
 
 namespace aaanc
 {
 
-enum class StageKind { Startup, Edit };
+enum class StageKind { Startup, Edit, Recording };
 
-// A commit begins.
+// A commit or the replay of a recording begins.
 struct StageRecord {
     StageKind kind = StageKind::Edit;
     std::string file;        // empty for a start-up without configuration
-    std::size_t changes = 0; // of the whole commit
+    std::size_t changes = 0; // of the whole commit or recording
 };
 
 struct CallbackRecord {
@@ -46,6 +47,7 @@ struct RequestRecord {
 
 struct Summary {
     std::size_t commits = 0;
+    std::size_t recordings = 0;
     std::size_t callbacks = 0;
     std::size_t failed_callbacks = 0;
     std::size_t requests = 0;
@@ -66,6 +68,8 @@ public:
     // A commit has been refused, or the plug-in could not be initialised: why
     // the run ends early.
     virtual void stopped(std::string_view reason) = 0;
+    // What the AAA service holds in the end.
+    virtual void state(const RunningState &state) = 0;
     virtual void summary(const Summary &summary) = 0;
 };
 

@@ -6,7 +6,11 @@ namespace aaanc
 void Reporter::stageBegins(const StageRecord &stage)
 {
     summary_.commits += stage.kind == StageKind::Edit ? 1 : 0;
-    writer_.stage(stage);
+    summary_.recordings += stage.kind == StageKind::Recording ? 1 : 0;
+    writer().stage(stage);
+    if (progress_ != nullptr) {
+        progress_->begin(stage.changes);
+    }
 }
 
 void Reporter::callbackBegins(const Notification &notification)
@@ -15,7 +19,7 @@ void Reporter::callbackBegins(const Notification &notification)
     in_callback_ = true;
     callback_ = {summary_.callbacks, notification.subtree, notification.event,
                  notification.changes->size()};
-    writer_.callbackBegins(callback_);
+    writer().callbackBegins(callback_);
 }
 
 void Reporter::callbackEnded(const Notification & /*notification*/, int result)
@@ -23,19 +27,39 @@ void Reporter::callbackEnded(const Notification & /*notification*/, int result)
     summary_.failed_callbacks += result != 0 ? 1 : 0;
     in_callback_ = false;
     callback_.result = result;
-    writer_.callbackEnded(callback_);
+    writer().callbackEnded(callback_);
+}
+
+void Reporter::changeTaken()
+{
+    if (progress_ != nullptr) {
+        progress_->advance();
+    }
 }
 
 void Reporter::exchanged(const Exchange &exchange)
 {
+    requested(exchange.request.parameter.data, answerOf(exchange));
+}
+
+void Reporter::requested(const Bytes &block, const Answer &answer)
+{
     ++summary_.requests;
-    const Bytes &block = exchange.request.parameter.data;
     const RequestRecord record{summary_.requests, in_callback_ ? callback_.number : 0, block,
-                               decodeRequest(block), answerOf(exchange)};
+                               decodeRequest(block), answer};
     ++(!record.answer.result        ? summary_.unanswered
        : *record.answer.result == 0 ? summary_.accepted
                                     : summary_.refused);
-    writer_.request(record);
+    writer().request(record);
+}
+
+// The writer, with room for what it writes.
+RecordWriter &Reporter::writer()
+{
+    if (progress_ != nullptr) {
+        progress_->makeRoom();
+    }
+    return writer_;
 }
 
 } // namespace aaanc

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "delivery.hpp"
+#include "progress.hpp"
 #include "records.hpp"
 
 namespace aaanc
@@ -10,19 +11,29 @@ namespace aaanc
 class Reporter : public DeliveryObserver, public ExchangeObserver
 {
 public:
-    explicit Reporter(RecordWriter &writer) : writer_(writer) {}
+    // The progress may be null; both outlive this.
+    explicit Reporter(RecordWriter &writer, Progress *progress = nullptr)
+        : writer_(writer), progress_(progress)
+    {
+    }
 
     void stageBegins(const StageRecord &stage);
     void callbackBegins(const Notification &notification) override;
     void callbackEnded(const Notification &notification, int result) override;
+    void changeTaken() override;
     void exchanged(const Exchange &exchange) override;
+    // A request, and what became of it.
+    void requested(const Bytes &block, const Answer &answer);
     [[nodiscard]] const Summary &summary() const
     {
         return summary_;
     }
 
 private:
+    RecordWriter &writer();
+
     RecordWriter &writer_;
+    Progress *progress_;
     CallbackRecord callback_; // under way, or the last one
     bool in_callback_ = false;
     Summary summary_;

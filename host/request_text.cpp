@@ -1,5 +1,8 @@
 #include "request_text.hpp"
 
+#include <iterator>
+#include <vector>
+
 #include <fmt/format.h>
 
 #include "running_state.hpp"
@@ -35,6 +38,35 @@ Json jsonValue(const Field &field, bool show_keys)
     return isHidden(field, show_keys) ? kHidden : field.text;
 }
 
+bool isGroupType(const Field &field)
+{
+    return field.layout->name.ends_with("].groupType");
+}
+
+// A group of a method list in one line, since there are four of them; those that
+// are not set together in one. Goes on from `field`, the type of a group.
+std::string groupRow(const Request &request, std::vector<Field>::const_iterator &field)
+{
+    const auto is_unset = [&](auto each) {
+        return std::distance(each, request.fields.end()) >= 2 && isGroupType(*each) &&
+               each->number == 0 && std::next(each)->text.empty();
+    };
+    const auto first = field;
+    const std::string_view name = first->layout->name;
+    std::string title(name.substr(0, name.find('.')));
+    field += 2;
+    if (is_unset(first) && field != request.fields.end() && is_unset(field)) {
+        while (field != request.fields.end() && is_unset(field)) {
+            field += 2;
+        }
+        const std::string_view last = std::prev(field, 2)->layout->name;
+        title += fmt::format(" to {}", last.substr(last.find('['), 3));
+    }
+    return requestRow(title, fmt::format("groupType {} ({}), groupName {}", first->number,
+                                         groupTypeMeaning(request, first->number),
+                                         textValue(*std::next(first), false)));
+}
+
 } // namespace
 
 std::string requestRow(std::string_view name, std::string_view value)
@@ -46,8 +78,16 @@ std::string requestRow(std::string_view name, std::string_view value)
 std::string requestRows(const Request &request, bool show_keys)
 {
     std::string text;
-    for (const Field &field : request.fields) {
-        text += requestRow(field.layout->name, textValue(field, show_keys));
+    if (isWithoutMeaning(request)) {
+        return requestRow("all fields", request.fields.empty() ? "missing" : "zero");
+    }
+    for (auto field = request.fields.begin(); field != request.fields.end();) {
+        if (isGroupType(*field) && std::next(field) != request.fields.end()) {
+            text += groupRow(request, field);
+        } else {
+            text += requestRow(field->layout->name, textValue(*field, show_keys));
+            ++field;
+        }
     }
     for (const std::string &problem : request.problems) {
         text += requestRow("problem", problem);

@@ -38,13 +38,13 @@ bool isWithoutMeaning(const Request &request)
     return unfilled || nobody;
 }
 
-void RunningState::accept(const Request &request)
+void RunningState::accept(const Request &request, std::size_t number)
 {
     if (isWithoutMeaning(request)) {
         return;
     }
     if (request.set != 0) {
-        objects_.insert_or_assign(objectOf(request), request);
+        objects_.insert_or_assign(objectOf(request), Kept{number, request});
     } else {
         objects_.erase(objectOf(request));
     }

@@ -1,23 +1,56 @@
 #include "service.hpp"
 
+#include <optional>
+
+#include <fmt/format.h>
+
 #include "aaa_service.hpp"
 #include "reporter.hpp"
 
 namespace aaanc
 {
 
-void serveAlone(const std::string &socket, const OutputOptions &output, TerminationGuard &guard)
+namespace
 {
-    const std::unique_ptr<RecordWriter> writer = makeWriter(output, stdout);
+
+// What the client will find, as far as it is known here.
+Answer answerIn(const Treatment &treatment)
+{
+    Answer answer{std::nullopt, "none"};
+    if (const auto reply = unpackReply(treatment.packet)) {
+        answer = answerOf({{}, CmfStep::Done, kCmfDone, *reply});
+    } else if (!treatment.packet.empty()) {
+        answer.text = "none: what is sent is no reply";
+    }
+    if (!treatment.rule.empty()) {
+        answer.text += fmt::format(", misbehaving: {}", treatment.rule);
+    }
+    return answer;
+}
+
+} // namespace
+
+void serveAlone(const ServiceOptions &options, TerminationGuard &guard)
+{
+    const std::unique_ptr<RecordWriter> writer = makeWriter(options.output, stdout);
     Reporter reporter(*writer);
-    RequestHandler handler;
-    ServiceSocket service(socket, [&](const CmfRequest &request) {
-        Exchange exchange{request, CmfStep::Done, kCmfDone, handler.answer(request)};
-        reporter.exchanged(exchange);
-        return exchange.reply;
+    RequestHandler handler(options.misbehaviours);
+    std::optional<ServiceSocket> service;
+    guard.removeAtEnd([&] {
+        service.emplace(
+            options.socket,
+            [&](const CmfRequest &request) {
+                Treatment treatment = handler.treat(request);
+                reporter.requested(request.parameter.data, answerIn(treatment));
+                return treatment;
+            },
+            [&] { return handler.closesNext(); });
+        return std::filesystem::absolute(options.socket);
     });
-    guard.removeAtEnd(std::filesystem::absolute(socket));
-    service.serve();
+    if (handler.isAway()) {
+        service->leave();
+    }
+    service->serve();
 }
 
 } // namespace aaanc

@@ -2,15 +2,23 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
+#include "misbehaviour.hpp"
 #include "termination.hpp"
 #include "writers.hpp"
 
 namespace aaanc
 {
 
-// Serves at `socket`, telling of each request, until a signal ends it. Throws
+struct ServiceOptions {
+    std::string socket;
+    std::vector<Misbehaviour> misbehaviours;
+    OutputOptions output;
+};
+
+// Serves, telling of each request, until a signal ends it. Throws
 // std::runtime_error where no socket can be made.
-void serveAlone(const std::string &socket, const OutputOptions &output, TerminationGuard &guard);
+void serveAlone(const ServiceOptions &options, TerminationGuard &guard);
 
 } // namespace aaanc

@@ -41,10 +41,10 @@ TerminationGuard::~TerminationGuard()
     thread_.join();
 }
 
-void TerminationGuard::removeAtEnd(const std::filesystem::path &path)
+void TerminationGuard::removeAtEnd(const std::function<std::filesystem::path()> &make)
 {
     const std::lock_guard lock(mutex_);
-    paths_.push_back(path);
+    paths_.push_back(make());
 }
 
 void TerminationGuard::watch()
@@ -67,12 +67,14 @@ void TerminationGuard::watch()
 
 TemporaryDirectory::TemporaryDirectory(TerminationGuard &guard)
 {
-    std::string name = std::filesystem::temp_directory_path() / "aaanc-XXXXXX";
-    if (mkdtemp(name.data()) == nullptr) {
-        throw std::runtime_error(name + ": " + std::strerror(errno));
-    }
-    path_ = name;
-    guard.removeAtEnd(path_);
+    guard.removeAtEnd([this] {
+        std::string name = std::filesystem::temp_directory_path() / "aaanc-XXXXXX";
+        if (mkdtemp(name.data()) == nullptr) {
+            throw std::runtime_error(name + ": " + std::strerror(errno));
+        }
+        path_ = name;
+        return path_;
+    });
 }
 
 TemporaryDirectory::~TemporaryDirectory()

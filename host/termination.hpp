@@ -3,6 +3,7 @@
 
 #include <csignal>
 #include <filesystem>
+#include <functional>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -24,8 +25,9 @@ public:
     TerminationGuard(const TerminationGuard &) = delete;
     TerminationGuard &operator=(const TerminationGuard &) = delete;
 
-    // Notes a file, or a directory with all that is in it.
-    void removeAtEnd(const std::filesystem::path &path);
+    // Notes a file, or a directory with all that is in it, that `make` makes. A
+    // signal waits meanwhile, so that nothing is left behind.
+    void removeAtEnd(const std::function<std::filesystem::path()> &make);
 
 private:
     void watch();

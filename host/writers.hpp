@@ -9,6 +9,10 @@
 namespace aaanc
 {
 
+// Of the JSON form. Raised when a record changes its form; new members alone do
+// not raise it.
+constexpr int kJsonFormat = 1;
+
 struct OutputOptions {
     bool json = false;
     bool hex = false;       // parameter blocks as bytes, too
