@@ -1,5 +1,5 @@
 // The entry point that libFuzzer calls, for the target AAANC_FUZZ_TARGET.
-#include "targets.hpp"
+#include "target.hpp"
 
 #include <cstdio>
 #include <cstdlib>

@@ -1,6 +1,6 @@
 // Plays the files of a corpus through a target, without a fuzzer:
 // replay TARGET FILE-OR-DIRECTORY...
-#include "targets.hpp"
+#include "target.hpp"
 
 #include <algorithm>
 #include <filesystem>
@@ -35,7 +35,7 @@ bool replay(const Target &target, const fs::path &file)
         std::cerr << file.string() << ": cannot be read\n";
         return false;
     }
-    // Said before, in case that the plug-in does not come back.
+    // Said before, in case that what is played does not come back.
     std::cout << file.string() << std::endl;
     const std::vector<std::uint8_t> bytes(input.begin(), input.end());
     const std::string finding = target.run(Bytes(bytes.data(), bytes.size()));
@@ -51,7 +51,7 @@ int main(int argc, char **argv)
     const Target *target = argc > 2 ? findTarget(argv[1]) : nullptr;
     if (target == nullptr) {
         std::cerr << "usage: " << argv[0] << " TARGET FILE-OR-DIRECTORY...\ntargets:";
-        for (const Target &known : kTargets)
+        for (const Target &known : allTargets())
             std::cerr << ' ' << known.name;
         std::cerr << '\n';
         return 2;

@@ -181,13 +181,14 @@ std::string fuzzAddress(Bytes bytes)
     return checkScenario(scenario);
 }
 
-const Target *findTarget(std::string_view name)
+const std::vector<Target> &allTargets()
 {
-    for (const Target &target : kTargets) {
-        if (target.name == name)
-            return &target;
-    }
-    return nullptr;
+    static const std::vector<Target> targets = {{"changes", fuzzChanges},
+                                                {"recording", fuzzRecording},
+                                                {"reply", fuzzReply},
+                                                {"key", fuzzKey},
+                                                {"address", fuzzAddress}};
+    return targets;
 }
 
 } // namespace aaanc::test::fuzz

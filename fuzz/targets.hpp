@@ -1,11 +1,7 @@
-// What is fuzzed. A target makes of an input whatever it stands for, plays it
-// through the plug-in and says what is wrong; nothing when all is well.
+// What is fuzzed of the plug-in.
 #pragma once
 
-#include "bytes.hpp"
-
-#include <array>
-#include <string_view>
+#include "target.hpp"
 
 namespace aaanc::test::fuzz
 {
@@ -20,19 +16,5 @@ std::string fuzzReply(Bytes bytes);
 std::string fuzzKey(Bytes bytes);
 // The IPv6 address check, by itself and in the two lists that make it.
 std::string fuzzAddress(Bytes bytes);
-
-struct Target {
-    std::string_view name;
-    std::string (*run)(Bytes bytes);
-};
-
-inline constexpr std::array<Target, 5> kTargets = {{{"changes", fuzzChanges},
-                                                    {"recording", fuzzRecording},
-                                                    {"reply", fuzzReply},
-                                                    {"key", fuzzKey},
-                                                    {"address", fuzzAddress}}};
-
-// Null when there is none of this name.
-const Target *findTarget(std::string_view name);
 
 } // namespace aaanc::test::fuzz
