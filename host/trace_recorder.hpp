@@ -20,6 +20,10 @@ public:
     TraceRecorder(const std::filesystem::path &file, DeliveryObserver &next);
 
     void callbackBegins(const Notification &notification) override;
+    void changeTaken() override
+    {
+        next_.changeTaken();
+    }
     void callbackEnded(const Notification &notification, int result) override;
     // Throws std::runtime_error when not all could be written.
     void finish();
