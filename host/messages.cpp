@@ -269,7 +269,8 @@ std::string fieldText(const Field &field)
 
 std::string_view groupTypeMeaning(const Request &method_list, std::uint32_t type)
 {
-    constexpr std::string_view kAuthentication[] = {"unset", "unknown", "tacacs-group", "radius-group"};
+    constexpr std::string_view kAuthentication[] = {"unset", "unknown", "tacacs-group",
+                                                    "radius-group"};
     constexpr std::string_view kAccounting[] = {"unset", "none", "radius-group", "tacacs-group"};
     const bool accounting = std::ranges::any_of(method_list.fields, [](const Field &field) {
         return field.layout->name == "methodKind" && field.number == kMethodKinds[1].number;

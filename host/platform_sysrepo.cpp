@@ -2,6 +2,7 @@
 #include <array>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <new>
 #include <string>
 
@@ -126,9 +127,11 @@ int sr_get_changes_iter(sr_session_ctx_t *session, const char *xpath, sr_change_
     if (session == nullptr || session->changes == nullptr || xpath == nullptr || iter == nullptr) {
         return kInvalidArgument;
     }
-    *iter = new sr_change_iter_t{xpath == session->subtree
-                                     ? *session->changes
-                                     : aaanc::changesBelow(*session->changes, xpath)};
+    auto made = std::make_unique<sr_change_iter_t>();
+    made->session = session;
+    made->changes = xpath == session->subtree ? *session->changes
+                                              : aaanc::changesBelow(*session->changes, xpath);
+    *iter = session->iterators.emplace_back(std::move(made)).get();
     return SR_ERR_OK;
 }
 
@@ -146,7 +149,7 @@ int sr_get_change_next(sr_session_ctx_t *session, sr_change_iter_t *iter, sr_cha
         }
         return SR_ERR_NO_MORE_CHANGES;
     }
-    if (session != nullptr) {
+    if (session != nullptr && session->delivery != nullptr) {
         session->delivery->changeTaken();
     }
     const aaanc::Change &change = iter->changes[iter->next++];
@@ -158,7 +161,10 @@ int sr_get_change_next(sr_session_ctx_t *session, sr_change_iter_t *iter, sr_cha
 
 void sr_free_change_iter(sr_change_iter_t *iter)
 {
-    delete iter;
+    if (iter != nullptr) {
+        std::erase_if(iter->session->iterators,
+                      [iter](const auto &each) { return each.get() == iter; });
+    }
 }
 
 void sr_free_val(sr_val_t *value)

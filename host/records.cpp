@@ -59,8 +59,8 @@ Answer answerOf(const Exchange &exchange)
     const Parameter &reply = exchange.reply;
     std::memcpy(words.data(), reply.data.data(), std::min(sizeof words, reply.data.size()));
     if (reply.length != std::uint64_t{words[1]} + sizeof words) {
-        return {std::nullopt, fmt::format("malformed, counts as accepted: {} bytes, {} announced", reply.length,
-                                          std::uint64_t{words[1]} + sizeof words)};
+        return {std::nullopt, fmt::format("malformed, counts as accepted: {} bytes, {} announced",
+                                          reply.length, std::uint64_t{words[1]} + sizeof words)};
     }
     return {words[0], fmt::format("{} ({})", words[0], words[0] == 0 ? "accepted" : "refused")};
 }

@@ -106,6 +106,14 @@ TEST(Examples, AreAcceptedWhole)
     EXPECT_EQ(outcome.output.find("problem"), std::string::npos);
 }
 
+// No form of the key "canary" is in a text.
+void expectNoCanary(const std::string &text)
+{
+    for (const std::string form : {"canary", "63616e617279", "63 61 6e 61 72 79"}) {
+        EXPECT_EQ(text.find(form), std::string::npos) << text;
+    }
+}
+
 TEST(Apply, HidesSharedKeys)
 {
     const ScratchDirectory scratch;
@@ -113,15 +121,44 @@ TEST(Apply, HidesSharedKeys)
     for (const std::string form : {"--json", "--hex"}) {
         const Outcome hidden = runAaanc({"apply", "--hex", "--log-level", "4", form, edit});
         EXPECT_EQ(hidden.status, 0);
-        EXPECT_NE(hidden.output.find("****"), std::string::npos);
-        for (const std::string &text : {hidden.output, hidden.errors}) {
-            EXPECT_EQ(text.find("canary"), std::string::npos);
-            EXPECT_EQ(text.find("63616e617279"), std::string::npos);
-            EXPECT_EQ(text.find("63 61 6e 61 72 79"), std::string::npos);
-        }
+        const std::size_t state = hidden.output.find(form == "--json" ? "\"state\"" : "State of");
+        ASSERT_NE(state, std::string::npos);
+        EXPECT_NE(hidden.output.substr(0, state).find("****"), std::string::npos);
+        EXPECT_NE(hidden.output.substr(state).find("****"), std::string::npos);
+        expectNoCanary(hidden.output);
+        expectNoCanary(hidden.errors);
         const Outcome shown = runAaanc({"apply", "--hex", "--show-keys", form, edit});
         EXPECT_NE(shown.output.find("\"canary\""), std::string::npos);
         EXPECT_EQ(shown.output.find("**"), std::string::npos);
+    }
+}
+
+TEST(Apply, HidesSharedKeysThatAreRefused)
+{
+    const ScratchDirectory scratch;
+    const std::string edit = scratch.write("edit.json", kOneServer);
+    for (const std::string manner : {"refuse 43", "undecodable", "close", "away"}) {
+        const Outcome outcome = runAaanc(
+            {"apply", "--hex", "--log-level", "4", "--misbehave", "type 63: " + manner, edit});
+        expectNoCanary(outcome.output);
+        expectNoCanary(outcome.errors);
+    }
+}
+
+TEST(Apply, HidesSharedKeysInErrors)
+{
+    const ScratchDirectory scratch;
+    constexpr std::string_view kText = "\"63616e617279\"";
+    const std::string good = kOneServer;
+    // A key that is no text, one that is given twice, one with a stray word behind it, no key.
+    for (const std::string bad :
+         {"63616e617279", "{\"63616e617279\": 1}", "\"63616e617279\" 63616e617279",
+          "\"63616e617279\", \"radiusIpv4ServerKey\": \"63616e617279\"", "\"63616e617279"}) {
+        std::string text = good;
+        text.replace(text.find(kText), kText.size(), bad);
+        const Outcome outcome = runAaanc({"apply", scratch.write("bad.json", text)});
+        EXPECT_EQ(outcome.status, 2) << bad;
+        expectNoCanary(outcome.errors);
     }
 }
 
@@ -143,6 +180,7 @@ TEST(Apply, TellsACommitThatIsRefused)
               "  /orvek-aaa:sysAaa/aaaGlobal verify, 2 changes: returned 7\n"
               "  /orvek-aaa:sysAaa/aaaGlobal abort, 2 changes: returned 9\n"
               "edit.json was refused; no further edit is committed.\n"
+              "State of the AAA service: 0 objects\n"
               "Summary: 1 edit, 3 callbacks, 0 requests (0 accepted, 0 refused, 0 unanswered). "
               "2 callbacks failed.\n");
 }
@@ -161,8 +199,8 @@ TEST(Apply, TellsAnInitialisationThatFails)
 class Alone
 {
 public:
-    explicit Alone(const std::string &directory)
-        : process_(directory, {"service", "--socket", "aaa.sock"})
+    explicit Alone(const std::string &directory, std::vector<std::string> options = {})
+        : process_(directory, arguments(std::move(options)))
     {
         EXPECT_TRUE(eventually([&] {
             return connectTo(directory + "/aaa.sock", std::chrono::seconds(1)).has_value();
@@ -175,6 +213,12 @@ public:
     }
 
 private:
+    static std::vector<std::string> arguments(std::vector<std::string> options)
+    {
+        options.insert(options.begin(), {"service", "--socket", "aaa.sock"});
+        return options;
+    }
+
     Process process_;
 };
 
@@ -196,6 +240,21 @@ TEST(ServiceAlone, TellsRequestsAndEndsBySignal)
                                   "      startFailType        1\n"
                                   "      answer               0 (accepted)\n");
         EXPECT_FALSE(std::filesystem::exists(scratch.path() + "/aaa.sock"));
+    }
+}
+
+TEST(ServiceAlone, HidesSharedKeys)
+{
+    for (const std::string form : {"--json", "--hex"}) {
+        const ScratchDirectory client;
+        const ScratchDirectory scratch;
+        const std::string edit = client.write("edit.json", kOneServer);
+        Alone service(scratch.path(), {"--hex", form});
+        EXPECT_EQ(runAaanc({"apply", "--socket", scratch.path() + "/aaa.sock", edit}).status, 0);
+        const Outcome outcome = service.end(SIGTERM);
+        EXPECT_NE(outcome.output.find("****"), std::string::npos);
+        expectNoCanary(outcome.output);
+        expectNoCanary(outcome.errors);
     }
 }
 

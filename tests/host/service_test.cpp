@@ -50,8 +50,8 @@ TEST(Service, KeepsWhatIsSetUntilItIsUndone)
     EXPECT_EQ(answer(handler, {5, 3, 0}, words({5, 1, 4, 30})), 0U);
     const auto &objects = handler.state().objects();
     ASSERT_EQ(objects.size(), 2U);
-    EXPECT_EQ(objects.at({5, {}}).fields.at(0).number, 30U);
-    EXPECT_EQ(objects.at({21, {}}).fields.at(0).number, 2U);
+    EXPECT_EQ(objects.at({5, {}}).request.fields.at(0).number, 30U);
+    EXPECT_EQ(objects.at({21, {}}).request.fields.at(0).number, 2U);
 
     EXPECT_EQ(answer(handler, {5, 4, 0}, words({5, 0, 4, 30})), 0U);
     ASSERT_EQ(objects.size(), 1U);
