@@ -100,6 +100,7 @@ int Delivery::call(const Subscription &subscription, sr_session_ctx_t &session,
     session.changes = &changes;
     const int result = subscription.callback(&session, subscription.xpath.c_str(), event,
                                              subscription.private_ctx);
+    session.iterators.clear();
     if (observer_ != nullptr) {
         observer_->callbackEnded(notification, result);
     }

@@ -31,16 +31,19 @@ struct sr_subscription_ctx_s {
     std::vector<aaanc::Subscription> subscriptions;
 };
 
+struct sr_change_iter_s {
+    sr_session_ctx_s *session = nullptr; // that owns it
+    std::vector<aaanc::Change> changes;
+    std::size_t next = 0;
+};
+
 // A session: the daemon's own, or the one that the callbacks of a commit get.
 struct sr_session_ctx_s {
     aaanc::Delivery *delivery = nullptr;
     std::string_view subtree{};                          // of the callback under way
     const std::vector<aaanc::Change> *changes = nullptr; // that it is about
-};
-
-struct sr_change_iter_s {
-    std::vector<aaanc::Change> changes;
-    std::size_t next = 0;
+    // Given to it and not freed so far. A callback may leave one behind.
+    std::vector<std::unique_ptr<sr_change_iter_s>> iterators{};
 };
 
 namespace aaanc
