@@ -139,7 +139,7 @@ const std::vector<Section> &sections()
          {24, 31},
          {{"protocol", protocol}, {"group", textOf<"groupName">}, {"VRF", textOf<"vrfName">}}},
         {"Domains", {0}, {{"domain", textOf<"domainName">}}},
-        {"RADIUS servers",
+        {"RADIUS servers (-: not given by the last request)",
          {63},
          {{"group", textOf<"groupName">},
           {"address", textOf<"Addr">},
