@@ -225,13 +225,16 @@ public:
     bool parse_error(std::size_t position, const std::string &,
                      const nlohmann::json::exception &error) override
     {
-        // What was read last is left out, since it may be a shared key.
-        std::string message = error.what();
-        message = message.substr(0, message.find("; last read"));
-        message = message.substr(message.find("column"));
-        message = message.substr(message.find(": ") + 2);
         const std::string_view before = text_.substr(0, position == 0 ? 0 : position - 1);
-        builder_.fail(1 + static_cast<std::size_t>(std::ranges::count(before, '\n')), message);
+        const std::size_t line = 1 + static_cast<std::size_t>(std::ranges::count(before, '\n'));
+        std::string message = error.what();
+        const std::size_t column = message.find("column");
+        if (column == std::string::npos) { // the only error that has no place of its own
+            builder_.fail(line, "a number that is too large to be read");
+        }
+        // What was read last is left out, since it may be a shared key.
+        message = message.substr(column, message.find("; last read") - column);
+        builder_.fail(line, message.substr(message.find(": ") + 2));
     }
 
 private:
