@@ -1,5 +1,4 @@
 // Edits: reading a document, and applying it.
-#include <algorithm>
 #include <cstdlib>
 #include <string>
 
@@ -8,6 +7,7 @@
 #include "edit.hpp"
 #include "input_error.hpp"
 #include "targets.hpp"
+#include "texts.hpp"
 
 namespace aaanc::test::fuzz
 {
@@ -22,12 +22,6 @@ constexpr const char *kBefore = R"({"orvek-aaa:sysAaa": {
   "aaaDomain": {"domainInfo": [{"domainName": "a"}, {"domainName": "b"}]},
   "aaaGroupVrf": {"serverGroup": [
     {"serverGroupType": "radius", "serverGroupName": "g", "vrfName": "v"}]}}})";
-
-const Schema &schema()
-{
-    static const Schema loaded(AAANC_YANG);
-    return loaded;
-}
 
 DataTree stateOf(const std::string &json)
 {
@@ -54,21 +48,6 @@ std::string print(const DataTree &data)
     std::string result = text != nullptr ? text : "";
     std::free(text);
     return result;
-}
-
-// An error names the file, and a line that it has; it is one line, printable.
-std::string errorFinding(const std::string &what, const std::string &name, const std::string &text)
-{
-    if (!what.starts_with(name + ":"))
-        return "no file is named: " + what;
-    const auto breaks_line = [](char c) { return static_cast<unsigned char>(c) < ' '; };
-    if (std::ranges::any_of(what, breaks_line))
-        return "not printable: " + what;
-    const std::string place = what.substr(name.size() + 1);
-    // XML takes a carriage return for the end of a line, too.
-    const auto last = 1 + std::ranges::count(text, '\n') + std::ranges::count(text, '\r');
-    const long line = std::strtol(place.c_str(), nullptr, 10);
-    return line >= 1 && line <= last ? "" : "no line of the file is named: " + what;
 }
 
 // A state that edits made is one that a start-up configuration can make.
@@ -103,24 +82,16 @@ std::string fuzzEdit(const std::string &name, const std::string &text)
     }
 }
 
-std::string bytesOf(Bytes bytes)
-{
-    std::string text;
-    while (!bytes.empty())
-        text += static_cast<char>(bytes.byte());
-    return text;
-}
-
 } // namespace
 
 std::string fuzzXmlEdit(Bytes bytes)
 {
-    return fuzzEdit("edit.xml", bytesOf(bytes));
+    return fuzzEdit("edit.xml", textOf(bytes));
 }
 
 std::string fuzzJsonEdit(Bytes bytes)
 {
-    return fuzzEdit("edit.json", bytesOf(bytes));
+    return fuzzEdit("edit.json", textOf(bytes));
 }
 
 } // namespace aaanc::test::fuzz

@@ -9,6 +9,10 @@ namespace aaanc::test::fuzz
 // A text, read as an edit and applied to a configuration.
 std::string fuzzXmlEdit(Bytes bytes);
 std::string fuzzJsonEdit(Bytes bytes);
+// A recording, for aaanc replay.
+std::string fuzzTrace(Bytes bytes);
+// A hex dump, for aaanc decode.
+std::string fuzzDump(Bytes bytes);
 // Packets to the AAA service.
 std::string fuzzFrames(Bytes bytes);
 
