@@ -57,7 +57,9 @@ Answer answerOf(const Exchange &exchange)
     // where the reply ends too early.
     std::array<std::uint32_t, 2> words{};
     const Parameter &reply = exchange.reply;
-    std::memcpy(words.data(), reply.data.data(), std::min(sizeof words, reply.data.size()));
+    if (!reply.data.empty()) {
+        std::memcpy(words.data(), reply.data.data(), std::min(sizeof words, reply.data.size()));
+    }
     if (reply.length != std::uint64_t{words[1]} + sizeof words) {
         return {std::nullopt, fmt::format("malformed, counts as accepted: {} bytes, {} announced",
                                           reply.length, std::uint64_t{words[1]} + sizeof words)};

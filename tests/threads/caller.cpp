@@ -90,7 +90,9 @@ std::vector<aaanc::Change> forHost(const std::vector<Change> &changes)
 Reply replyOf(const Parameter &parameter)
 {
     std::uint32_t words[2] = {};
-    std::memcpy(words, parameter.data.data(), std::min(sizeof words, parameter.data.size()));
+    if (!parameter.data.empty()) {
+        std::memcpy(words, parameter.data.data(), std::min(sizeof words, parameter.data.size()));
+    }
     return {words[0], words[1], parameter.length, parameter.data.empty()};
 }
 
