@@ -48,18 +48,9 @@ static int serverGroupChange(AaaNcWalk &walk, const AaaNcChange &change)
     return std::strcmp(change.leaf, "serverGroupType") == 0 ? aaaNcWalkSend(walk) : 0;
 }
 
-static constexpr AaaNcHandler kServerGroup = {
-    {"aaaNcServerGroupConfChanges", "aaaNcServerGroupLeafChangesParse",
-     "aaaNcServerGroupOneLeafChangeParse", nullptr},
-    {AAA_NC_LOG_TEXT("Config server group: path %s, notify event %d."),
-     AAA_NC_LOG_TEXT("Server group xpath %s, type %d, change oper %d."),
-     AAA_NC_LOG_TEXT("Receive node name %s."), AAA_NC_NO_LEAF_NAME},
-    AAA_NC_NO_LEAF,
-    AAA_NC_BAD_CHANGE,
-    {{}, 0, AAA_NC_REFUSED},
-    serverGroupChange,
-    nullptr,
-};
+static constexpr AaaNcHandler kServerGroup =
+    aaaNcGroupHandler("aaaNcServerGroupConfChanges", "aaaNcServerGroupLeafChangesParse",
+                      "aaaNcServerGroupOneLeafChangeParse", serverGroupChange);
 
 int aaaNcServerGroupConfChanges(sr_session_ctx_t *session, const char *xpath,
                                 sr_notif_event_t event, void * /*private_ctx*/)

@@ -66,19 +66,9 @@ static int serverGroupVrfChange(AaaNcWalk &walk, const AaaNcChange &change)
     return isVrf ? aaaNcWalkSend(walk) : 0;
 }
 
-static constexpr AaaNcHandler kServerGroupVrf = {
-    {"aaaNcServerGroupVrfConfChanges", "aaaNcServerGroupVrfLeafChangesParse",
-     "aaaNcServerGroupVrfOneLeafChangeParse", nullptr},
-    // The same texts as the server groups', on purpose.
-    {AAA_NC_LOG_TEXT("Config server group: path %s, notify event %d."),
-     AAA_NC_LOG_TEXT("Server group xpath %s, type %d, change oper %d."),
-     AAA_NC_LOG_TEXT("Receive node name %s."), AAA_NC_NO_LEAF_NAME},
-    AAA_NC_NO_LEAF,
-    AAA_NC_BAD_CHANGE,
-    {{}, 0, AAA_NC_REFUSED},
-    serverGroupVrfChange,
-    nullptr,
-};
+static constexpr AaaNcHandler kServerGroupVrf =
+    aaaNcGroupHandler("aaaNcServerGroupVrfConfChanges", "aaaNcServerGroupVrfLeafChangesParse",
+                      "aaaNcServerGroupVrfOneLeafChangeParse", serverGroupVrfChange);
 
 int aaaNcServerGroupVrfConfChanges(sr_session_ctx_t *session, const char *xpath,
                                    sr_notif_event_t event, void * /*private_ctx*/)
