@@ -58,18 +58,24 @@ static constexpr AaaNcLeaf kLeaves[] = {
 };
 // clang-format on
 
-// The low 32 bits of strtol(). Nearly every port is a few digits, and both are
-// read at each change, so those are not left to it.
-static std::uint32_t portParse(const char *text)
+// Stores the low 32 bits of strtol(). Nearly every port is a few digits, and both
+// are read at each change, so those are not left to it.
+static void portKeyStore(char *field, std::size_t /*size*/, const char *text)
 {
     std::uint32_t port = 0;
-    for (int i = 0; i < 9 && text[i] >= '0' && text[i] <= '9'; ++i) {
-        port = port * 10 + static_cast<std::uint32_t>(text[i] - '0');
-        if (text[i + 1] == '\0') {
-            return port;
-        }
+    const char *end = text;
+    for (; *end >= '0' && *end <= '9'; ++end) {
+        port = port * 10 + static_cast<std::uint32_t>(*end - '0');
     }
-    return static_cast<std::uint32_t>(std::strtol(text, nullptr, 10));
+    if (*end != '\0' || end - text > 9) {
+        port = static_cast<std::uint32_t>(std::strtol(text, nullptr, 10));
+    }
+    std::memcpy(field, &port, sizeof(port));
+}
+
+static void textKeyStore(char *field, std::size_t size, const char *text)
+{
+    gnl_strlcpy(field, text, size);
 }
 
 // The list keys of an entry, in the order that they are read in. A missing one
@@ -78,26 +84,28 @@ static std::uint32_t portParse(const char *text)
 struct RadiusKey {
     const char *name[2]; // by AaaNcTwin
     const char *printed;
-    void (*store)(AaaNcRadiusServerKey &key, const char *text);
+    void (*store)(char *field, std::size_t size, const char *text);
+    std::size_t offset; // of the field in AaaNcRadiusServerKey
+    std::size_t size;   // of the field
 };
 
 static constexpr RadiusKey kKeys[] = {
     {{"radiusIpv4ServerAuthenPort", "radiusIpv6ServerAuthenPort"},
      "serverGroupType",
-     [](AaaNcRadiusServerKey &key, const char *text) { key.authPort = portParse(text); }},
+     portKeyStore,
+     AAA_NC_IN(AaaNcRadiusServerKey, authPort)},
     {{"radiusIpv4ServerAccountPort", "radiusIpv6ServerAccountPort"},
      "radiusIpv4ServerAccountPort",
-     [](AaaNcRadiusServerKey &key, const char *text) { key.acctPort = portParse(text); }},
+     portKeyStore,
+     AAA_NC_IN(AaaNcRadiusServerKey, acctPort)},
     {{"radiusIpv4ServerAddr", "radiusIpv6ServerAddr"},
      "radiusIpv4ServerAddr",
-     [](AaaNcRadiusServerKey &key, const char *text) {
-         gnl_strlcpy(key.name.Addr, text, sizeof(key.name.Addr));
-     }},
+     textKeyStore,
+     AAA_NC_IN(AaaNcRadiusServerKey, name.Addr)},
     {{"radiusIpv4GroupName", "radiusIpv6GroupName"},
      "radiusIpv4GroupName",
-     [](AaaNcRadiusServerKey &key, const char *text) {
-         gnl_strlcpy(key.name.groupName, text, sizeof(key.name.groupName));
-     }},
+     textKeyStore,
+     AAA_NC_IN(AaaNcRadiusServerKey, name.groupName)},
 };
 
 // Reads the list keys of the change's entry. Returns 0 or, logged, 5.
@@ -111,7 +119,7 @@ static int radiusKeyGet(const RadiusWalk &walk, const AaaNcChange &change,
         if (rc != 0) {
             return rc;
         }
-        known.store(key, text);
+        known.store(reinterpret_cast<char *>(&key) + known.offset, known.size, text);
     }
     key.name.family = walk.family;
     return 0;

@@ -1,7 +1,6 @@
 #include "walk/walk.hpp"
 
 #include "transport/request.hpp"
-#include "walk/checks.hpp"
 
 // The value that a change of this operation is about, null where it has none.
 static sr_val_t *valueChoose(sr_change_oper_t oper, sr_val_t *oldValue, sr_val_t *newValue)
@@ -91,15 +90,10 @@ int aaaNcChangesWalk(AaaNcWalk &walk, sr_session_ctx_t *session, const char *xpa
     return rc;
 }
 
-int aaaNcChangeKeyGet(const AaaNcWalk &walk, const AaaNcChange &change, const char *list,
-                      const char *key, const char *printed, const char **value)
+void aaaNcKeyMissingLog(const AaaNcWalk &walk, const AaaNcChange &change, const char *printed)
 {
-    const int rc = aaaNcEntryKeyGet(change.value->xpath, list, key, value);
-    if (rc != 0) {
-        AAA_NC_ERR(walk.handler.function.oneLeafChangeParse,
-                   "Get value for key %s in xpath %s failed.", printed, change.value->xpath);
-    }
-    return rc;
+    AAA_NC_ERR(walk.handler.function.oneLeafChangeParse,
+               "Get value for key %s in xpath %s failed.", printed, change.value->xpath);
 }
 
 void aaaNcWalkParamSet(AaaNcWalk &walk, std::uint32_t eMsgType, std::uint32_t length,

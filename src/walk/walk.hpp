@@ -10,6 +10,7 @@
 #include "aaa_nc/param.hpp"
 #include "plugin/log.hpp"
 #include "sysrepo.h"
+#include "walk/checks.hpp"
 
 struct AaaNcWalk;
 
@@ -77,10 +78,20 @@ struct AaaNcWalk {
 int aaaNcChangesWalk(AaaNcWalk &walk, sr_session_ctx_t *session, const char *xpath,
                      sr_notif_event_t event);
 
+// Logs that the change's xpath has no key; `printed` is its name in the line.
+void aaaNcKeyMissingLog(const AaaNcWalk &walk, const AaaNcChange &change, const char *printed);
+
 // Reads key `key` of list `list` from the change's xpath (aaaNcEntryKeyGet()).
 // A missing one is logged under the name `printed`.
-int aaaNcChangeKeyGet(const AaaNcWalk &walk, const AaaNcChange &change, const char *list,
-                      const char *key, const char *printed, const char **value);
+inline int aaaNcChangeKeyGet(const AaaNcWalk &walk, const AaaNcChange &change, const char *list,
+                             const char *key, const char *printed, const char **value)
+{
+    const int rc = aaaNcEntryKeyGet(change.value->xpath, list, key, value);
+    if (rc != 0) {
+        aaaNcKeyMissingLog(walk, change, printed);
+    }
+    return rc;
+}
 
 // Sets the block with the operation of the last change (aaaNcParamSet()).
 void aaaNcWalkParamSet(AaaNcWalk &walk, std::uint32_t eMsgType, std::uint32_t length,
