@@ -204,6 +204,11 @@ char *sr_xpath_key_value(char *xpath, const char *node_name, const char *key_nam
 
 const char *sr_strerror(int code)
 {
+    const auto *playing = dynamic_cast<Run *>(&recorder()); // none in an entry point
+    if (playing != nullptr && playing->scenario.strerror_null) {
+        recorder().record("strerror " + std::to_string(code) + " -> null");
+        return nullptr;
+    }
     static thread_local std::string text;
     text = errorText(code);
     recorder().record("strerror " + std::to_string(code));

@@ -80,6 +80,7 @@ struct Scenario {
     // sr_xpath_key_value() writes a NUL over the closing quote of a key found
     // (every key is found all the same, in whatever order).
     bool cuts_xpath = true;
+    bool strerror_null = false; // sr_strerror() returns null
     // sr_xpath_node_name() returns null at its n-th call (1-based).
     std::set<std::size_t> node_name_null;
     // sr_xpath_key_value() returns null at its n-th call (1-based).
@@ -103,7 +104,7 @@ struct Scenario {
 //   key <q list> <q key> in <q xpath> -> <q value>    the xpath as it stands before the call
 //   strlcpy <q src> SIZE
 //   unhex <q text> SIZE -> RC
-//   strerror RC
+//   strerror RC                            or, where it returns null, strerror RC -> null
 //   log SEVERITY FUNCTION <q text>         SEVERITY DBG or ERR; text: what follows the prefix,
 //                                          its arguments worked in. %s of null is (null).
 //                                          Old and new value pointers (%p) are written

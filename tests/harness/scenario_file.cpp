@@ -464,6 +464,8 @@ bool Reader::readPlatform(std::string_view word, Words words)
         scenario.end_of_changes = number<std::int32_t>(words.next());
     } else if (word == "xpath" && words.take("stays") && words.take("whole")) {
         scenario.cuts_xpath = false;
+    } else if (word == "strerror" && words.take("is") && words.take("null")) {
+        scenario.strerror_null = true;
     } else if (word == "node-name" && words.take("call")) {
         scenario.node_name_null.insert(ordinal(words.next()));
         if (!words.take("is") || !words.take("null"))

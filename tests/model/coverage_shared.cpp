@@ -179,6 +179,8 @@ Chapter walkChapter()
                  }},
                 {"walk: an operation out of range",
                  [](const Story &s) { return s.logged("Choose value for oper -1 failed"); }},
+                {"walk: a failure of the platform has no text",
+                 [](const Story &s) { return s.logged(" failed: (null)."); }},
                 {"walk: the iterator fails",
                  [](const Story &s) { return s.logged("Get changes iter for xpath "); }},
                 {"walk: the next change fails after a request",

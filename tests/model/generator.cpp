@@ -120,6 +120,7 @@ void chooseFailures(Random &random, Scenario &scenario)
         const std::uint32_t call = random.between(1, 3);
         scenario.unhex_result[call] = failureCode(random);
     }
+    scenario.strerror_null = random.percent(10);
 }
 
 } // namespace

@@ -83,6 +83,8 @@ void printFailures(std::ostream &out, const Scenario &scenario)
         out << "end-of-changes is " << scenario.end_of_changes << '\n';
     if (!scenario.cuts_xpath)
         out << "xpath stays whole\n";
+    if (scenario.strerror_null)
+        out << "strerror is null\n";
     for (const std::size_t call : scenario.node_name_null)
         out << "node-name call " << call << " is null\n";
     for (const std::size_t call : scenario.key_null)

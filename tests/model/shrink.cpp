@@ -55,6 +55,7 @@ void offerFewerFailures(Scenarios &out, const Scenario &scenario)
     offerUsual(out, scenario, &Scenario::changes_iter);
     offerUsual(out, scenario, &Scenario::end_of_changes);
     offerUsual(out, scenario, &Scenario::cuts_xpath);
+    offerUsual(out, scenario, &Scenario::strerror_null);
     offerFewer(out, scenario, &Scenario::log_level_from_call);
     offerFewer(out, scenario, &Scenario::next_result);
     offerFewer(out, scenario, &Scenario::node_name_null);

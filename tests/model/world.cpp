@@ -87,8 +87,9 @@ void World::errorWithReason(const std::string &function, const std::string &text
 {
     if (log_level_ == 0)
         return;
-    call("strerror " + std::to_string(code));
-    log("ERR", function, text + errorText(code) + '.');
+    const bool null = scenario_.strerror_null;
+    call("strerror " + std::to_string(code) + (null ? " -> null" : ""));
+    log("ERR", function, text + (null ? "(null)" : errorText(code)) + '.');
 }
 
 std::int32_t World::openIterator()

@@ -103,6 +103,8 @@ public:
                 counted(call, ++next_), [this](Scenario & failing) -> auto & {
                     return failing.next_result[next_];
                 });
+        } else if (call == "strerror") {
+            null(call, [](Scenario &failing) { failing.strerror_null = true; });
         } else if (call == "node-name") {
             null(counted(call, ++node_name_),
                  [this](Scenario &failing) { failing.node_name_null.insert(node_name_); });

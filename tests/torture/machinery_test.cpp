@@ -171,6 +171,9 @@ TEST(Failures, EachCallFailsAlone)
     EXPECT_GE(count(twice_each, [](const Scenario &s) { return s.next_result.count(2) != 0; }), 8U);
     EXPECT_EQ(count(twice_each, [](const Scenario &s) { return s.node_name_null.count(2) != 0; }),
               1U);
+    EXPECT_EQ(count({"changes-iter \"/a\" -> 4", "strerror 4"},
+                    [](const Scenario &s) { return s.strerror_null; }),
+              1U);
     EXPECT_EQ(count(twice_each, [](const Scenario &s) { return s.key_null.count(2) != 0; }), 1U);
     EXPECT_GE(count(twice_each, [](const Scenario &s) { return s.unhex_result.count(1) != 0; }),
               8U);
@@ -221,6 +224,7 @@ TEST(Failures, WhatHappenedAnywayIsLeftOut)
 {
     EXPECT_EQ(failing({"next -> 0 oper 0"}).size(), failing({"next -> 5"}).size() + 1);
     EXPECT_TRUE(failing({"node-name \"/a\" -> null"}).empty());
+    EXPECT_TRUE(failing({"strerror 4 -> null"}).empty());
     EXPECT_TRUE(failing({"cmf-init \"aaa\" 145 1 -> null"}).empty());
 }
 
