@@ -55,20 +55,20 @@ struct Change {
 };
 
 // The requests, one after another and from the start again.
-template <std::size_t Count> class Requests
+class Ready
 {
 public:
-    explicit Requests(const AaaNcParam *all) : all_(all) {}
+    explicit Ready(Requests all) : all_(all) {}
 
     int sendNext()
     {
         const AaaNcParam &request = all_[next_];
-        next_ = next_ + 1 < Count ? next_ + 1 : 0;
+        next_ = next_ + 1 < all_.size() ? next_ + 1 : 0;
         return send(request);
     }
 
 private:
-    const AaaNcParam *all_;
+    Requests all_;
     std::size_t next_ = 0;
 };
 
@@ -137,9 +137,9 @@ void decode(const Change &change)
 
 // One that sends when the next entry begins, and at the end.
 template <std::size_t Changes>
-int methodList(const char *xpath, const AaaNcParam *requests, const LeafNames *names)
+int methodList(const char *xpath, Requests requests, const LeafNames *names)
 {
-    Requests<2> ready(requests);
+    Ready ready(requests);
     return walk<Changes>(
         xpath, names,
         [&](const Change &change) {
@@ -150,15 +150,15 @@ int methodList(const char *xpath, const AaaNcParam *requests, const LeafNames *n
 
 } // namespace
 
-int floorGlobal(const char *xpath, const AaaNcParam *requests, const LeafNames *names)
+int floorGlobal(const char *xpath, Requests requests, const LeafNames *names)
 {
-    Requests<4> ready(requests);
+    Ready ready(requests);
     return walk<2>(xpath, names, [&](const Change &) { return ready.sendNext(); });
 }
 
-int floorSrcInterface(const char *xpath, const AaaNcParam *requests, const LeafNames *names)
+int floorSrcInterface(const char *xpath, Requests requests, const LeafNames *names)
 {
-    Requests<2> ready(requests);
+    Ready ready(requests);
     return walk<3>(xpath, names, [&](const Change &change) {
         char copied[40];
         if (change.place != 0)
@@ -167,9 +167,9 @@ int floorSrcInterface(const char *xpath, const AaaNcParam *requests, const LeafN
     });
 }
 
-int floorServerGroup(const char *xpath, const AaaNcParam *requests, const LeafNames *names)
+int floorServerGroup(const char *xpath, Requests requests, const LeafNames *names)
 {
-    Requests<2> ready(requests);
+    Ready ready(requests);
     return walk<3>(xpath, names, [&](const Change &change) {
         key(change);
         key(change);
@@ -177,9 +177,9 @@ int floorServerGroup(const char *xpath, const AaaNcParam *requests, const LeafNa
     });
 }
 
-int floorServerGroupVrf(const char *xpath, const AaaNcParam *requests, const LeafNames *names)
+int floorServerGroupVrf(const char *xpath, Requests requests, const LeafNames *names)
 {
-    Requests<2> ready(requests);
+    Ready ready(requests);
     return walk<4>(xpath, names, [&](const Change &change) {
         char copied[33];
         key(change);
@@ -191,18 +191,18 @@ int floorServerGroupVrf(const char *xpath, const AaaNcParam *requests, const Lea
     });
 }
 
-int floorDomain(const char *xpath, const AaaNcParam *requests, const LeafNames *names)
+int floorDomain(const char *xpath, Requests requests, const LeafNames *names)
 {
-    Requests<2> ready(requests);
+    Ready ready(requests);
     return walk<2>(xpath, names, [&](const Change &change) {
         key(change);
         return change.place == 1 ? ready.sendNext() : 0;
     });
 }
 
-int floorRadius(const char *xpath, const AaaNcParam *requests, const LeafNames *names)
+int floorRadius(const char *xpath, Requests requests, const LeafNames *names)
 {
-    Requests<2> ready(requests);
+    Ready ready(requests);
     return walk<8>(
         xpath, names,
         [&](const Change &change) {
@@ -219,9 +219,9 @@ int floorRadius(const char *xpath, const AaaNcParam *requests, const LeafNames *
         [&] { return ready.sendNext(); });
 }
 
-int floorTacacs(const char *xpath, const AaaNcParam *requests, const LeafNames *names)
+int floorTacacs(const char *xpath, Requests requests, const LeafNames *names)
 {
-    Requests<2> ready(requests);
+    Ready ready(requests);
     return walk<7>(xpath, names, [&](const Change &change) {
         if (change.place == 5)
             decode(change);
@@ -229,12 +229,12 @@ int floorTacacs(const char *xpath, const AaaNcParam *requests, const LeafNames *
     });
 }
 
-int floorDomainAuthen(const char *xpath, const AaaNcParam *requests, const LeafNames *names)
+int floorDomainAuthen(const char *xpath, Requests requests, const LeafNames *names)
 {
     return methodList<9>(xpath, requests, names);
 }
 
-int floorDomainAccount(const char *xpath, const AaaNcParam *requests, const LeafNames *names)
+int floorDomainAccount(const char *xpath, Requests requests, const LeafNames *names)
 {
     return methodList<10>(xpath, requests, names);
 }

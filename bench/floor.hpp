@@ -6,23 +6,25 @@
 
 #include "aaa_nc/param.hpp"
 
+#include <span>
 #include <vector>
 
 namespace aaanc::bench
 {
 
 using LeafNames = std::vector<const char *>;
+using Requests = std::span<const AaaNcParam>; // sent one after another and from the start again
 
-int floorGlobal(const char *xpath, const AaaNcParam *requests, const LeafNames *names);
-int floorSrcInterface(const char *xpath, const AaaNcParam *requests, const LeafNames *names);
-int floorServerGroup(const char *xpath, const AaaNcParam *requests, const LeafNames *names);
-int floorServerGroupVrf(const char *xpath, const AaaNcParam *requests, const LeafNames *names);
-int floorDomain(const char *xpath, const AaaNcParam *requests, const LeafNames *names);
-int floorRadius(const char *xpath, const AaaNcParam *requests,
+int floorGlobal(const char *xpath, Requests requests, const LeafNames *names);
+int floorSrcInterface(const char *xpath, Requests requests, const LeafNames *names);
+int floorServerGroup(const char *xpath, Requests requests, const LeafNames *names);
+int floorServerGroupVrf(const char *xpath, Requests requests, const LeafNames *names);
+int floorDomain(const char *xpath, Requests requests, const LeafNames *names);
+int floorRadius(const char *xpath, Requests requests,
                 const LeafNames *names); // IPv4 and IPv6
-int floorTacacs(const char *xpath, const AaaNcParam *requests,
+int floorTacacs(const char *xpath, Requests requests,
                 const LeafNames *names); // IPv4 and IPv6
-int floorDomainAuthen(const char *xpath, const AaaNcParam *requests, const LeafNames *names);
-int floorDomainAccount(const char *xpath, const AaaNcParam *requests, const LeafNames *names);
+int floorDomainAuthen(const char *xpath, Requests requests, const LeafNames *names);
+int floorDomainAccount(const char *xpath, Requests requests, const LeafNames *names);
 
 } // namespace aaanc::bench

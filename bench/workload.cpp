@@ -45,7 +45,7 @@ public:
     // Begins an entry. `keys` are in the order in which the callback asks for them.
     void entry(const std::vector<std::string> &keys)
     {
-        second_ = !workload_.changes.empty();
+        ++workload_.entries;
         keys_ = {};
         for (std::size_t i = 0; i < keys.size(); ++i)
             keys_.keys[i] = kept(keys[i]);
@@ -97,14 +97,13 @@ private:
         change.leaf = kept(name);
         change.value.xpath = kept(std::string(workload_.xpath) + '/' + name);
         change.value.type = type;
-        if (!second_ && type != SR_LIST_T)
+        if (workload_.entries == 1 && type != SR_LIST_T)
             workload_.names.push_back(change.leaf);
         return change.value;
     }
 
     Workload workload_;
     CannedChange keys_{};
-    bool second_ = false; // the entry being written
 };
 
 Workload global()
@@ -186,22 +185,21 @@ Workload domain()
     return writer.written();
 }
 
-const char *address(std::uint8_t family, bool first)
+const std::vector<std::string> &addresses(std::uint8_t family)
 {
-    if (family == kIpv4)
-        return first ? "192.0.2.10" : "192.0.2.11";
-    return first ? "2001:db8::10" : "2001:db8::11";
+    static const std::vector<std::string> kIpv4Addresses = {"192.0.2.10", "192.0.2.11"};
+    static const std::vector<std::string> kIpv6Addresses = {"2001:db8::10", "2001:db8::11"};
+    return family == kIpv4 ? kIpv4Addresses : kIpv6Addresses;
 }
 
-Workload radius(std::uint8_t family)
+Workload radius(std::uint8_t family, const std::vector<std::string> &addresses)
 {
     const std::string version = family == kIpv4 ? "ipv4" : "ipv6";
     const std::string start = family == kIpv4 ? "radiusIpv4" : "radiusIpv6";
     Writer writer("radius-" + version,
                   kept("/orvek-aaa:sysAaa/" + start + "Server/" + start + "ServerInfo"),
                   floorRadius);
-    for (const bool first : {true, false}) {
-        const std::string addr = address(family, first);
+    for (const std::string &addr : addresses) {
         writer.entry({"1812", "1813", addr, "core"});
         writer.node(start + "ServerInfo[" + start + "GroupName='core'][" + start + "ServerAddr='" +
                     addr + "'][" + start + "ServerAuthenPort='1812'][" + start +
@@ -234,8 +232,7 @@ Workload tacacs(std::uint8_t family)
     Writer writer("tacacs-" + version,
                   kept("/orvek-aaa:sysAaa/" + start + "Server/" + start + "ServerInfo"),
                   floorTacacs);
-    for (const bool first : {true, false}) {
-        const std::string addr = address(family, first);
+    for (const std::string &addr : addresses(family)) {
         writer.entry({});
         writer.node(start + "ServerInfo[" + start + "GroupName='core'][" + start + "ServerAddr='" +
                     addr + "'][" + start + "ServerPort='49']");
@@ -318,12 +315,12 @@ Workload domainAccount()
 void play(const Workload &workload, std::size_t entries)
 {
     const std::size_t period = workload.changes.size();
-    playCanned(workload.changes.data(), period, entries * period / 2);
+    playCanned(workload.changes.data(), period, entries * period / workload.entries);
 }
 
 int runFloor(const Workload &workload, const LeafNames *names)
 {
-    return workload.floor(workload.xpath, workload.requests.data(), names);
+    return workload.floor(workload.xpath, workload.requests, names);
 }
 
 int runPlugin(const Workload &workload)
@@ -331,12 +328,29 @@ int runPlugin(const Workload &workload)
     return subscribedCallback(workload.xpath)(nullptr, workload.xpath, SR_EV_APPLY, nullptr);
 }
 
+Workload radiusServers(std::size_t count)
+{
+    std::vector<std::string> servers;
+    for (std::size_t i = 0; i < count; ++i)
+        servers.push_back("10." + std::to_string(i >> 16U) + '.' + std::to_string(i >> 8U & 255U) +
+                          '.' + std::to_string(i & 255U));
+    return radius(kIpv4, servers);
+}
+
 const std::vector<Workload> &workloads()
 {
     static const std::vector<Workload> all = {
-        global(),      srcInterface(), serverGroup(),   serverGroupVrf(),
-        domain(),      radius(kIpv4),  radius(kIpv6),   tacacs(kIpv4),
-        tacacs(kIpv6), domainAuthen(), domainAccount(),
+        global(),
+        srcInterface(),
+        serverGroup(),
+        serverGroupVrf(),
+        domain(),
+        radius(kIpv4, addresses(kIpv4)),
+        radius(kIpv6, addresses(kIpv6)),
+        tacacs(kIpv4),
+        tacacs(kIpv6),
+        domainAuthen(),
+        domainAccount(),
     };
     return all;
 }

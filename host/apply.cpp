@@ -20,26 +20,26 @@ namespace
 // All that is going to be committed, checked before anything is told.
 struct Plan {
     Schema schema;
-    std::vector<Document> documents; // the start-up configuration, then the edits
-    std::vector<DataTree> states;    // what each makes of the one before; first, of nothing
+    std::string startup; // name of its file
+    DataTree data;       // at start-up
+    std::vector<Document> edits;
 };
 
 Plan makePlan(const ApplyOptions &options)
 {
-    Plan plan{Schema(options.yang), {}, {}};
+    Plan plan{Schema(options.yang), {}, {}, {}};
     if (options.startup) {
-        plan.documents.push_back(
-            readDocument(plan.schema, *options.startup, DocumentKind::Startup));
-    } else {
-        plan.documents.emplace_back();
+        const Document startup = readDocument(plan.schema, *options.startup, DocumentKind::Startup);
+        plan.startup = startup.file;
+        plan.data = applyEdit(plan.schema, plan.data, startup);
     }
     for (const std::filesystem::path &edit : options.edits) {
-        plan.documents.push_back(readDocument(plan.schema, edit, DocumentKind::Edit));
+        plan.edits.push_back(readDocument(plan.schema, edit, DocumentKind::Edit));
     }
-    const DataTree nothing;
-    for (const Document &document : plan.documents) {
-        const DataTree &before = plan.states.empty() ? nothing : plan.states.back();
-        plan.states.push_back(applyEdit(plan.schema, before, document));
+    // Not kept: the states of many edits of a large configuration take much memory.
+    DataTree data = plan.data.copy();
+    for (const Document &edit : plan.edits) {
+        data = applyEdit(plan.schema, data, edit);
     }
     return plan;
 }
@@ -60,25 +60,30 @@ void refuseToReplaceInput(const ApplyOptions &options)
     }
 }
 
-// Tells the plug-in everything. The reason if it ends early, else empty.
-std::string tell(const ApplyOptions &options, const Plan &plan, Delivery &delivery,
+void tellStartup(const ApplyOptions &options, const Plan &plan, Delivery &delivery,
                  Reporter &reporter)
 {
-    const std::vector<Change> configured = changesBetween(DataTree(), plan.states.front());
-    reporter.stageBegins({StageKind::Startup, plan.documents.front().file, configured.size()});
+    const ChangeSet configured = changesBetween(DataTree(), plan.data);
+    reporter.stageBegins({StageKind::Startup, plan.startup, configured.refs.size()});
     if (options.enabled) {
-        delivery.enable(configured);
+        delivery.enable(configured.refs);
     }
-    for (std::size_t i = 1; i < plan.states.size(); ++i) {
-        const DataTree &before = plan.states[i - 1];
-        const DataTree &after = plan.states[i];
-        const std::vector<Change> changes = changesBetween(before, after);
-        reporter.stageBegins({StageKind::Edit, plan.documents[i].file, changes.size()});
-        if (!delivery.commit(changes, [&] { return changesBetween(after, before); })) {
+}
+
+// Tells the plug-in everything. The reason if it ends early, else empty.
+std::string tell(const ApplyOptions &options, Plan &plan, Delivery &delivery, Reporter &reporter)
+{
+    tellStartup(options, plan, delivery, reporter);
+    DataTree &before = plan.data;
+    for (const Document &edit : plan.edits) {
+        DataTree after = applyEdit(plan.schema, before, edit);
+        const ChangeSet changes = changesBetween(before, after);
+        reporter.stageBegins({StageKind::Edit, edit.file, changes.refs.size()});
+        if (!delivery.commit(changes.refs, [&] { return changesBetween(after, before); })) {
             // Later edits were checked against the data that it would have made.
-            return fmt::format("{} was refused; no further edit is committed.",
-                               plan.documents[i].file);
+            return fmt::format("{} was refused; no further edit is committed.", edit.file);
         }
+        before = std::move(after);
     }
     return {};
 }
@@ -88,7 +93,7 @@ std::string tell(const ApplyOptions &options, const Plan &plan, Delivery &delive
 int apply(const ApplyOptions &options, TerminationGuard &guard)
 {
     refuseToReplaceInput(options);
-    const Plan plan = makePlan(options);
+    Plan plan = makePlan(options);
     return runPlugin(options, guard, [&](Delivery &delivery, Reporter &reporter) {
         return tell(options, plan, delivery, reporter);
     });

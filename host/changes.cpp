@@ -1,8 +1,11 @@
 #include "changes.hpp"
 
+#include <algorithm>
 #include <cstdlib>
+#include <iterator>
 #include <new>
 #include <stdexcept>
+#include <unordered_map>
 #include <unordered_set>
 #include <utility>
 
@@ -51,15 +54,23 @@ Value valueOf(const lyd_node *node)
     return value;
 }
 
+// Empty where it has none.
+std::string pathOf(const Change &change)
+{
+    const std::optional<Value> &value = change.new_value ? change.new_value : change.old_value;
+    return value && value->xpath ? *value->xpath : "";
+}
+
 // Walks a diff of libyang's, once for each operation.
 class DiffWalk
 {
 public:
-    std::vector<Change> run(const lyd_node *first)
+    // `fate` is that of all nodes for which the diff says nothing.
+    ChangeRefs run(const lyd_node *first, Fate fate)
     {
-        modified(first, Fate::Kept);
-        deleted(first, Fate::Kept);
-        created(first, Fate::Kept);
+        modified(first, fate);
+        deleted(first, fate);
+        created(first, fate);
         return std::move(changes_);
     }
 
@@ -70,9 +81,7 @@ private:
         LY_LIST_FOR(first, node)
         {
             if (fateOf(node, parent) == Fate::Modified) {
-                Value old_value = valueOf(node);
-                old_value.text = metadata(node, "yang:orig-value");
-                changes_.push_back({SR_OP_MODIFIED, std::move(old_value), valueOf(node)});
+                changes_.emplace_back(SR_OP_MODIFIED, node);
             }
         }
         LY_LIST_FOR(first, node)
@@ -105,7 +114,7 @@ private:
         {
             deleteBottomUp(child);
         }
-        changes_.push_back({SR_OP_DELETED, valueOf(node), std::nullopt});
+        changes_.emplace_back(SR_OP_DELETED, node);
     }
 
     // The plain containers that cease to be with the first node below them.
@@ -115,7 +124,7 @@ private:
              above != nullptr && isPlainContainer(above->schema) && isGone(above) &&
              gone_.insert(above).second;
              above = lyd_parent(above)) {
-            changes_.push_back({SR_OP_DELETED, valueOf(above), std::nullopt});
+            changes_.emplace_back(SR_OP_DELETED, above);
         }
     }
 
@@ -145,7 +154,7 @@ private:
             if (fate == Fate::Kept) {
                 created(lyd_child(node), Fate::Kept);
             } else if (fate == Fate::Created && isPlainContainer(node->schema)) {
-                changes_.push_back({SR_OP_CREATED, std::nullopt, valueOf(node)});
+                changes_.emplace_back(SR_OP_CREATED, node);
                 created(lyd_child(node), Fate::Created);
             }
         }
@@ -153,7 +162,7 @@ private:
 
     void createTopDown(const lyd_node *node)
     {
-        changes_.push_back({SR_OP_CREATED, std::nullopt, valueOf(node)});
+        changes_.emplace_back(SR_OP_CREATED, node);
         const lyd_node *child = nullptr;
         LY_LIST_FOR(lyd_child(node), child)
         {
@@ -161,7 +170,7 @@ private:
         }
     }
 
-    std::vector<Change> changes_;
+    ChangeRefs changes_;
     std::unordered_set<const lyd_node *> gone_; // containers whose deletion has been told
 };
 
@@ -212,29 +221,62 @@ std::uint32_t typeOf(const lysc_node *schema)
     }
 }
 
-std::vector<Change> changesBetween(const DataTree &before, const DataTree &after)
+ChangeRef::ChangeRef(std::uint32_t oper, const lyd_node *node) : oper_(oper), node_(node)
 {
-    DataTree diff;
-    if (lyd_diff_siblings(before.first(), after.first(), 0, diff.slot()) != LY_SUCCESS) {
-        throw std::bad_alloc();
-    }
-    return DiffWalk().run(diff.first());
+    typeOf(node->schema); // fails here rather than in the middle of a callback
 }
 
-std::vector<Change> changesBelow(const std::vector<Change> &changes, std::string_view xpath)
+Change ChangeRef::read() const
 {
-    std::vector<Change> below;
-    for (const Change &change : changes) {
-        const std::optional<Value> &value = change.new_value ? change.new_value : change.old_value;
-        if (!value || !value->xpath) {
-            continue;
-        }
-        const std::string path = withoutPredicates(*value->xpath);
-        if (path == xpath || (path.starts_with(xpath) && path[xpath.size()] == '/')) {
-            below.push_back(change);
-        }
+    if (recorded_ != nullptr) {
+        return *recorded_;
     }
+    Value value = valueOf(node_);
+    if (oper_ == SR_OP_DELETED) {
+        return {oper_, std::move(value), std::nullopt};
+    }
+    if (oper_ == SR_OP_CREATED) {
+        return {oper_, std::nullopt, std::move(value)};
+    }
+    Value old_value = value;
+    old_value.text = metadata(node_, "yang:orig-value");
+    return {oper_, std::move(old_value), std::move(value)};
+}
+
+ChangeRefs refsTo(const std::vector<Change> &changes)
+{
+    return {changes.begin(), changes.end()};
+}
+
+ChangeRefs changesBelow(const ChangeRefs &changes, std::string_view xpath)
+{
+    std::unordered_map<const lysc_node *, bool> known; // of nodes, which are few
+    const auto isBelow = [&](const ChangeRef &change) {
+        if (change.schema() == nullptr) {
+            return isAtOrBelow(pathOf(change.read()), xpath);
+        }
+        const auto [place, is_new] = known.try_emplace(change.schema(), false);
+        if (is_new) {
+            place->second = isAtOrBelow(pathOf(change.read()), xpath);
+        }
+        return place->second;
+    };
+    ChangeRefs below;
+    std::ranges::copy_if(changes, std::back_inserter(below), isBelow);
     return below;
+}
+
+ChangeSet changesBetween(const DataTree &before, const DataTree &after)
+{
+    if (before.first() == nullptr) {
+        return {{}, DiffWalk().run(after.first(), Fate::Created)}; // without a copy of it all
+    }
+    ChangeSet changes;
+    if (lyd_diff_siblings(before.first(), after.first(), 0, changes.diff.slot()) != LY_SUCCESS) {
+        throw std::bad_alloc();
+    }
+    changes.refs = DiffWalk().run(changes.diff.first(), Fate::Kept);
+    return changes;
 }
 
 } // namespace aaanc

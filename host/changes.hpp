@@ -33,7 +33,42 @@ struct Change {
 // The type of a node's values. Throws std::logic_error for a leaf without any.
 std::uint32_t typeOf(const lysc_node *schema);
 
-// The changes from `before` to `after`. First all that are modified, then all
+// A change that is told: one of a recording, or a node of a data tree, whose
+// values are made when they are read, since those of a large configuration take
+// much memory. Lives no longer than what it refers to.
+class ChangeRef
+{
+public:
+    explicit ChangeRef(const Change &recorded) : recorded_(&recorded) {}
+    // Throws as typeOf() does.
+    ChangeRef(std::uint32_t oper, const lyd_node *node);
+
+    [[nodiscard]] Change read() const;
+    // Null where it is one of a recording.
+    [[nodiscard]] const lysc_node *schema() const
+    {
+        return node_ != nullptr ? node_->schema : nullptr;
+    }
+
+private:
+    const Change *recorded_ = nullptr;
+    std::uint32_t oper_ = 0;
+    const lyd_node *node_ = nullptr;
+};
+
+using ChangeRefs = std::vector<ChangeRef>;
+
+ChangeRefs refsTo(const std::vector<Change> &changes);
+// Those at `xpath` (a path without predicates) and below, in their order.
+ChangeRefs changesBelow(const ChangeRefs &changes, std::string_view xpath);
+
+// The changes of a commit.
+struct ChangeSet {
+    DataTree diff; // that they refer to, where it is not the data
+    ChangeRefs refs;
+};
+
+// The changes from `before` to `after`, which outlive them. First all that are modified, then all
 // that are deleted, then all that are created:
 //
 // - Created and modified nodes come level by level: all siblings, then what is
@@ -45,9 +80,6 @@ std::uint32_t typeOf(const lysc_node *schema);
 //   nodes that is deleted.
 //
 // Siblings come in schema order, entries of a list in the order of their making.
-std::vector<Change> changesBetween(const DataTree &before, const DataTree &after);
-
-// The changes at `xpath` (a path without predicates) and below, in their order.
-std::vector<Change> changesBelow(const std::vector<Change> &changes, std::string_view xpath);
+ChangeSet changesBetween(const DataTree &before, const DataTree &after);
 
 } // namespace aaanc

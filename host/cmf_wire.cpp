@@ -138,13 +138,13 @@ bool sendPacket(const Descriptor &socket, std::span<const std::byte> packet)
 
 std::optional<Bytes> receivePacket(const Descriptor &socket)
 {
-    Bytes packet(kMaxPacket);
-    const ssize_t size = recv(socket.number(), packet.data(), packet.size(), 0);
+    // Not one for each packet: most are far smaller.
+    static thread_local std::array<std::byte, kMaxPacket> buffer;
+    const ssize_t size = recv(socket.number(), buffer.data(), buffer.size(), 0);
     if (size <= 0) {
         return std::nullopt;
     }
-    packet.resize(static_cast<std::size_t>(size));
-    return packet;
+    return Bytes(buffer.begin(), buffer.begin() + size);
 }
 
 } // namespace aaanc

@@ -33,7 +33,7 @@ bool Delivery::isSubscribed(std::string_view subtree) const
     return found;
 }
 
-void Delivery::enable(const std::vector<Change> &changes)
+void Delivery::enable(const ChangeRefs &changes)
 {
     thread_.run([&] {
         sr_session_ctx_t session{this};
@@ -43,8 +43,7 @@ void Delivery::enable(const std::vector<Change> &changes)
     });
 }
 
-bool Delivery::commit(const std::vector<Change> &changes,
-                      const std::function<std::vector<Change>()> &invert)
+bool Delivery::commit(const ChangeRefs &changes, const std::function<ChangeSet()> &invert)
 {
     bool accepted = true;
     thread_.run([&] {
@@ -53,14 +52,14 @@ bool Delivery::commit(const std::vector<Change> &changes,
         if (accepted) {
             callTouched(session, SR_EV_APPLY, changes);
         } else {
-            callTouched(session, SR_EV_ABORT, invert());
+            const ChangeSet inverse = invert();
+            callTouched(session, SR_EV_ABORT, inverse.refs);
         }
     });
     return accepted;
 }
 
-int Delivery::notify(std::string_view subtree, sr_notif_event_t event,
-                     const std::vector<Change> &changes)
+int Delivery::notify(std::string_view subtree, sr_notif_event_t event, const ChangeRefs &changes)
 {
     int result = 0;
     thread_.run([&] {
@@ -75,11 +74,11 @@ int Delivery::notify(std::string_view subtree, sr_notif_event_t event,
 }
 
 int Delivery::callTouched(sr_session_ctx_t &session, sr_notif_event_t event,
-                          const std::vector<Change> &changes)
+                          const ChangeRefs &changes)
 {
     int first_failure = 0;
     forEach([&](const Subscription &subscription) {
-        const std::vector<Change> below = changesBelow(changes, subscription.xpath);
+        const ChangeRefs below = changesBelow(changes, subscription.xpath);
         if (below.empty()) {
             return;
         }
@@ -90,7 +89,7 @@ int Delivery::callTouched(sr_session_ctx_t &session, sr_notif_event_t event,
 }
 
 int Delivery::call(const Subscription &subscription, sr_session_ctx_t &session,
-                   sr_notif_event_t event, const std::vector<Change> &changes)
+                   sr_notif_event_t event, const ChangeRefs &changes)
 {
     const Notification notification{subscription.xpath, event, &changes};
     if (observer_ != nullptr) {

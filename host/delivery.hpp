@@ -33,15 +33,15 @@ struct sr_subscription_ctx_s {
 
 struct sr_change_iter_s {
     sr_session_ctx_s *session = nullptr; // that owns it
-    std::vector<aaanc::Change> changes;
+    aaanc::ChangeRefs changes;
     std::size_t next = 0;
 };
 
 // A session: the daemon's own, or the one that the callbacks of a commit get.
 struct sr_session_ctx_s {
     aaanc::Delivery *delivery = nullptr;
-    std::string_view subtree{};                          // of the callback under way
-    const std::vector<aaanc::Change> *changes = nullptr; // that it is about
+    std::string_view subtree{};                 // of the callback under way
+    const aaanc::ChangeRefs *changes = nullptr; // that it is about
     // Given to it and not freed so far. A callback may leave one behind.
     std::vector<std::unique_ptr<sr_change_iter_s>> iterators{};
 };
@@ -53,7 +53,7 @@ namespace aaanc
 struct Notification {
     std::string_view subtree;
     sr_notif_event_t event = SR_EV_VERIFY;
-    const std::vector<Change> *changes = nullptr;
+    const ChangeRefs *changes = nullptr;
 };
 
 // Told of each callback, on the notification thread.
@@ -88,18 +88,16 @@ public:
     [[nodiscard]] bool isSubscribed(std::string_view subtree) const;
 
     // ENABLED to every subscription, with what is below it among `changes`.
-    void enable(const std::vector<Change> &changes);
+    void enable(const ChangeRefs &changes);
 
     // VERIFY to every subscription that `changes` touch, then APPLY. Where a
     // VERIFY returned non-zero, ABORT comes instead of APPLY, with the changes
     // the other way round, worked out by `invert`, and the result is false: the
     // commit is refused.
-    bool commit(const std::vector<Change> &changes,
-                const std::function<std::vector<Change>()> &invert);
+    bool commit(const ChangeRefs &changes, const std::function<ChangeSet()> &invert);
 
     // One callback of every subscription at `subtree`; 0 when there is none.
-    int notify(std::string_view subtree, sr_notif_event_t event,
-               const std::vector<Change> &changes);
+    int notify(std::string_view subtree, sr_notif_event_t event, const ChangeRefs &changes);
 
     void changeTaken()
     {
@@ -110,10 +108,9 @@ public:
 
 private:
     int call(const Subscription &subscription, sr_session_ctx_t &session, sr_notif_event_t event,
-             const std::vector<Change> &changes);
+             const ChangeRefs &changes);
     // Calls every subscription that has something below it; the first non-zero result.
-    int callTouched(sr_session_ctx_t &session, sr_notif_event_t event,
-                    const std::vector<Change> &changes);
+    int callTouched(sr_session_ctx_t &session, sr_notif_event_t event, const ChangeRefs &changes);
     void forEach(const std::function<void(const Subscription &)> &action) const;
 
     DeliveryObserver *observer_;

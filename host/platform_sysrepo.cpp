@@ -152,7 +152,7 @@ int sr_get_change_next(sr_session_ctx_t *session, sr_change_iter_t *iter, sr_cha
     if (session != nullptr && session->delivery != nullptr) {
         session->delivery->changeTaken();
     }
-    const aaanc::Change &change = iter->changes[iter->next++];
+    const aaanc::Change change = iter->changes[iter->next++].read();
     *oper = change.oper;
     *old_value = makeValue(change.old_value);
     *new_value = makeValue(change.new_value);

@@ -45,7 +45,7 @@ int replay(const ReplayOptions &options, TerminationGuard &guard)
         for (const Trace &trace : traces) {
             reporter.stageBegins({StageKind::Recording, trace.file, changeCount(trace)});
             for (const RecordedCallback &callback : trace.callbacks) {
-                delivery.notify(callback.subtree, callback.event, callback.changes);
+                delivery.notify(callback.subtree, callback.event, refsTo(callback.changes));
             }
         }
         return std::string();

@@ -34,7 +34,6 @@ Trace readTrace(const Schema &schema, const std::filesystem::path &file);
 Trace readTrace(const Schema &schema, const std::string &name, std::string_view text);
 
 // The lines of a callback, as they are read.
-std::string traceOf(std::string_view subtree, std::uint32_t event,
-                    const std::vector<Change> &changes);
+std::string traceOf(std::string_view subtree, std::uint32_t event, const ChangeRefs &changes);
 
 } // namespace aaanc

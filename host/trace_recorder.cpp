@@ -57,11 +57,11 @@ std::string operationText(std::uint32_t operation)
 
 } // namespace
 
-std::string traceOf(std::string_view subtree, std::uint32_t event,
-                    const std::vector<Change> &changes)
+std::string traceOf(std::string_view subtree, std::uint32_t event, const ChangeRefs &changes)
 {
     std::string text = fmt::format("callback {} event {}\n", escape(std::string(subtree)), event);
-    for (const Change &change : changes) {
+    for (const ChangeRef &ref : changes) {
+        const Change change = ref.read();
         text += fmt::format("change {} old={} new={}\n", operationText(change.oper),
                             valueText(change.old_value), valueText(change.new_value));
     }

@@ -60,9 +60,9 @@ private:
 
 } // namespace
 
-std::string withoutPredicates(std::string_view xpath)
+bool isAtOrBelow(std::string_view xpath, std::string_view path)
 {
-    std::string path;
+    std::size_t matched = 0;
     char quote = '\0';
     bool predicate = false;
     for (const char character : xpath) {
@@ -73,11 +73,13 @@ std::string withoutPredicates(std::string_view xpath)
             predicate = character != ']';
         } else if (character == '[') {
             predicate = true;
-        } else {
-            path += character;
+        } else if (matched == path.size()) {
+            return character == '/';
+        } else if (character != path[matched++]) {
+            return false;
         }
     }
-    return path;
+    return matched == path.size();
 }
 
 std::size_t xpathBufferSize(std::string_view xpath)

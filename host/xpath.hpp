@@ -2,14 +2,13 @@
 #pragma once
 
 #include <cstddef>
-#include <string>
 #include <string_view>
 
 namespace aaanc
 {
 
-// The path of the schema node: all predicates left out.
-std::string withoutPredicates(std::string_view xpath);
+// Whether `xpath` is of schema node `path` (which has no predicates) or of one below it.
+bool isAtOrBelow(std::string_view xpath, std::string_view path);
 
 // Bytes of an xpath that is handed to a plug-in: two NULs end it. A single one
 // stands where xpathKeyValue() has cut it.

@@ -62,7 +62,7 @@ std::string stateFinding(const DataTree &after)
     } catch (const InputError &error) {
         return "does not read back: " + printed + ": " + error.what();
     }
-    const bool changed = !changesBetween(before(), after).empty();
+    const bool changed = !changesBetween(before(), after).refs.empty();
     return changed || areSame(before(), after) ? "" : "a change is not told: " + printed;
 }
 

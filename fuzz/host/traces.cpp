@@ -16,7 +16,7 @@ std::string print(const Trace &trace)
 {
     std::string text;
     for (const RecordedCallback &callback : trace.callbacks)
-        text += traceOf(callback.subtree, callback.event, callback.changes);
+        text += traceOf(callback.subtree, callback.event, refsTo(callback.changes));
     return text;
 }
 

@@ -162,12 +162,12 @@ std::vector<std::string> deliver(const std::filesystem::path &base,
         if (std::filesystem::exists(edit)) {
             const DataTree after =
                 applyEdit(schema(), before, readDocument(schema(), edit, DocumentKind::Edit));
-            recorder.delivery().commit(changesBetween(before, after),
+            recorder.delivery().commit(changesBetween(before, after).refs,
                                        [&] { return changesBetween(after, before); });
             return recorder.recording();
         }
     }
-    recorder.delivery().enable(changesBetween({}, before));
+    recorder.delivery().enable(changesBetween({}, before).refs);
     return recorder.recording();
 }
 
@@ -204,8 +204,8 @@ INSTANTIATE_TEST_SUITE_P(All, DeliveryCase, testing::ValuesIn(allCases()), testN
 
 TEST(Delivery, TheEndOfTheChangesLeavesTheOutputsStale)
 {
-    const std::vector<Change> one = {
-        {SR_OP_CREATED, std::nullopt, Value{"/m:c/l", SR_UINT8_T, "1"}}};
+    const Change change = {SR_OP_CREATED, std::nullopt, Value{"/m:c/l", SR_UINT8_T, "1"}};
+    const ChangeRefs one = {ChangeRef(change)};
     sr_session_ctx_t session{nullptr, "/m:c", &one};
     sr_change_iter_t *iter = nullptr;
     ASSERT_EQ(sr_get_changes_iter(&session, "/m:c", &iter), 0);
@@ -219,7 +219,7 @@ TEST(Delivery, TheEndOfTheChangesLeavesTheOutputsStale)
     sr_free_val(last);
     sr_free_change_iter(iter);
 
-    const std::vector<Change> none;
+    const ChangeRefs none;
     session.changes = &none;
     ASSERT_EQ(sr_get_changes_iter(&session, "/m:c", &iter), 0);
     EXPECT_EQ(sr_get_change_next(&session, iter, &oper, &old_value, &new_value), 5);
@@ -240,9 +240,10 @@ TEST(Delivery, AllCallbacksOfACommitShareASession)
     delivery.subscribe({"/m:a", remember, nullptr}, false, &context);
     delivery.subscribe({"/m:b", remember, nullptr}, true, &context);
     EXPECT_EQ(delivery.subscriptionCount(), 2U);
-    delivery.commit({{SR_OP_CREATED, std::nullopt, Value{"/m:a", SR_CONTAINER_T, ""}},
-                     {SR_OP_CREATED, std::nullopt, Value{"/m:b", SR_CONTAINER_T, ""}}},
-                    [] { return std::vector<Change>(); });
+    const std::vector<Change> changes = {
+        {SR_OP_CREATED, std::nullopt, Value{"/m:a", SR_CONTAINER_T, ""}},
+        {SR_OP_CREATED, std::nullopt, Value{"/m:b", SR_CONTAINER_T, ""}}};
+    delivery.commit(refsTo(changes), [] { return ChangeSet(); });
     ASSERT_EQ(sessions.size(), 4U); // VERIFY and APPLY of each
     EXPECT_EQ(std::ranges::count(sessions, sessions.front()), 4);
     EXPECT_NE(sessions.front(), delivery.session());

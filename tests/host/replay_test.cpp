@@ -185,7 +185,7 @@ TEST(Trace, EveryTextIsReadAsItWasWritten)
             return Value{text(), SR_STRING_T, text()};
         };
         const Change change{static_cast<std::uint32_t>(below(random, 9)), value(), value()};
-        const std::string text = traceOf(subtree, 1, {change});
+        const std::string text = traceOf(subtree, 1, {ChangeRef(change)});
         SCOPED_TRACE(text);
         const Trace trace = readTrace(schema(), "trace", text);
         ASSERT_EQ(trace.callbacks.size(), 1U);
@@ -208,7 +208,7 @@ TEST(Trace, RecordingsOfThePlatformAreWrittenAsTheyAre)
         const std::string text = readText(testData(name + ".txt"));
         std::string written;
         for (const RecordedCallback &callback : readTrace(schema(), name, text).callbacks) {
-            written += traceOf(callback.subtree, callback.event, callback.changes);
+            written += traceOf(callback.subtree, callback.event, refsTo(callback.changes));
         }
         std::vector<std::string> expected = lines(text);
         std::erase_if(expected, [](const std::string &line) { return line.starts_with('#'); });

@@ -113,10 +113,17 @@ TEST(KeyValue, SurvivesWhatIsNoXpath)
     }
 }
 
-TEST(Predicates, AreLeftOut)
+TEST(AtOrBelow, LooksAtNodesAndNotAtPredicates)
 {
-    EXPECT_EQ(withoutPredicates(kEntry), "/orvek-aaa:sysAaa/radiusIpv4Server/radiusIpv4ServerInfo");
-    EXPECT_EQ(withoutPredicates("/m:a/l[k=\"']\"]/b"), "/m:a/l/b");
+    EXPECT_TRUE(isAtOrBelow(kEntry, "/orvek-aaa:sysAaa/radiusIpv4Server/radiusIpv4ServerInfo"));
+    EXPECT_TRUE(isAtOrBelow(kEntry, "/orvek-aaa:sysAaa/radiusIpv4Server"));
+    EXPECT_FALSE(isAtOrBelow(kEntry, "/orvek-aaa:sysAaa/radiusIpv4ServerInfo"));
+    for (const char *path : {"/m:a", "/m:a/l", "/m:a/l/b"}) {
+        EXPECT_TRUE(isAtOrBelow("/m:a/l[k=\"']\"]/b", path)) << path;
+    }
+    for (const char *path : {"/m:a/", "/m:a/l/", "/m:a/l/b/c", "/m:a/l/bc", "/m", "/m:a/k"}) {
+        EXPECT_FALSE(isAtOrBelow("/m:a/l[k=\"']\"]/b", path)) << path;
+    }
 }
 
 } // namespace

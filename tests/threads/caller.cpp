@@ -222,7 +222,8 @@ void Caller::play()
 {
     Scenario scenario = makeScenario();
     exchanges_.clear();
-    const int result = delivery_.notify(scenario.xpath, scenario.event, forHost(scenario.changes));
+    const std::vector<aaanc::Change> changes = forHost(scenario.changes);
+    const int result = delivery_.notify(scenario.xpath, scenario.event, aaanc::refsTo(changes));
     ++tally_.callbacks;
     tally_.failed += result != 0 ? 1 : 0;
     for (const aaanc::Exchange &exchange : exchanges_) {
