@@ -99,8 +99,10 @@ int runPlugin(const RunOptions &options, TerminationGuard &guard, const Telling 
     if (!options.socket) {
         service.emplace(guard, options.misbehaviours);
     }
-    const std::unique_ptr<RecordWriter> writer = makeWriter(options.output, stdout);
-    Progress progress(srp_ll_syslog == 0); // log lines tell enough
+    OutputOptions output = options.output;
+    output.log_lines = srp_ll_syslog != 0;
+    const std::unique_ptr<RecordWriter> writer = makeWriter(output, stdout);
+    Progress progress(!output.log_lines); // log lines tell enough
     Reporter reporter(*writer, &progress);
     std::optional<TraceRecorder> recorder;
     if (options.record) {

@@ -42,9 +42,9 @@ public:
     // The line stays open until it is known whether requests follow.
     void callbackBegins(const CallbackRecord &record) override
     {
-        line_open_ = true;
-        write(fmt::format("  {} {}, {}", record.subtree, eventName(record.event),
-                          count(record.changes, "change")));
+        line_open_ = !options_.log_lines;
+        write(fmt::format("  {} {}, {}{}", record.subtree, eventName(record.event),
+                          count(record.changes, "change"), line_open_ ? "" : "\n"));
     }
 
     void request(const RequestRecord &record) override

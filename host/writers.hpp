@@ -17,6 +17,7 @@ struct OutputOptions {
     bool json = false;
     bool hex = false;       // parameter blocks as bytes, too
     bool show_keys = false; // shared keys as they are, instead of "****"
+    bool log_lines = false; // of the plug-in come in between: no line is left open
 };
 
 // For people, or JSON: an object a line, whose "record" names what it is. Each
