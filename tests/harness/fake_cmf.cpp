@@ -1,5 +1,6 @@
 // The CMF client library.
 #include "fake_run.hpp"
+#include "heap_watch.hpp"
 #include "trace_text.hpp"
 
 #include <algorithm>
@@ -43,6 +44,7 @@ void appendHex(std::string &line, const void *data, std::size_t length)
 
 int CMF_ClientServiceReg(const char *service, const void *record)
 {
+    const InPlatform here;
     EntryRun &running = entryRun();
     std::string line = "register ";
     appendQuoted(line, service);
@@ -54,6 +56,7 @@ int CMF_ClientServiceReg(const char *service, const void *record)
 
 void *CMF_ClientContextInit(const char *service, uint32_t client, uint32_t third)
 {
+    const InPlatform here;
     static const Exchange kAccepted;
     Run &playing = run();
     if (playing.context)
@@ -76,6 +79,7 @@ void *CMF_ClientContextInit(const char *service, uint32_t client, uint32_t third
 
 int CMF_ClientContextObjSet(void *ctx, const void *record)
 {
+    const InPlatform here;
     Run &playing = run();
     const CmfContext *context = playing.use("cmf-object", ctx);
     if (context == nullptr)
@@ -89,6 +93,7 @@ int CMF_ClientContextObjSet(void *ctx, const void *record)
 
 int CMF_ClientParamEncode(void *ctx, uint32_t kind, uint32_t length, const void *data)
 {
+    const InPlatform here;
     Run &playing = run();
     const CmfContext *context = playing.use("cmf-encode", ctx);
     if (context == nullptr)
@@ -106,6 +111,7 @@ int CMF_ClientParamEncode(void *ctx, uint32_t kind, uint32_t length, const void 
 
 int CMF_ClientRequestSend(void *ctx)
 {
+    const InPlatform here;
     Run &playing = run();
     const CmfContext *context = playing.use("cmf-send", ctx);
     if (context == nullptr)
@@ -116,6 +122,7 @@ int CMF_ClientRequestSend(void *ctx)
 
 int CMF_ClientResponseRecv(void *ctx)
 {
+    const InPlatform here;
     Run &playing = run();
     const CmfContext *context = playing.use("cmf-receive", ctx);
     if (context == nullptr)
@@ -126,6 +133,7 @@ int CMF_ClientResponseRecv(void *ctx)
 
 int CMF_ClientParamDecode(void *ctx, uint32_t *kind, uint32_t *length, void **data)
 {
+    const InPlatform here;
     Run &playing = run();
     CmfContext *context = playing.use("cmf-decode", ctx);
     if (context == nullptr)
@@ -155,6 +163,7 @@ int CMF_ClientParamDecode(void *ctx, uint32_t *kind, uint32_t *length, void **da
 
 void CMF_ClientContextClose(void *ctx)
 {
+    const InPlatform here;
     Run &playing = run();
     if (playing.use("cmf-close", ctx) == nullptr)
         return;

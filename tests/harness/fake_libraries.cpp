@@ -1,5 +1,6 @@
 // The device's string library and its log sink.
 #include "fake_run.hpp"
+#include "heap_watch.hpp"
 #include "trace_text.hpp"
 
 #include <algorithm>
@@ -17,6 +18,7 @@ constexpr char kLogPrefix[] = "[%s] (%s:%d) [AAA-NC]";
 
 size_t gnl_strlcpy(char *dst, const char *src, size_t size)
 {
+    const InPlatform here;
     Run &playing = run();
     if (dst == nullptr || src == nullptr || size == 0) {
         playing.wrong("strlcpy without a source or a destination");
@@ -35,6 +37,7 @@ size_t gnl_strlcpy(char *dst, const char *src, size_t size)
 int NLOG_Send(int facility, const char *module, int severity_class, int level, const char *format,
               ...)
 {
+    const InPlatform here;
     Recorder &running = recorder();
     const std::size_t prefix_length = sizeof kLogPrefix - 1;
     if (std::strncmp(format, kLogPrefix, prefix_length) != 0) {

@@ -1,6 +1,7 @@
 #include "fake_platform.hpp"
 
 #include "fake_run.hpp"
+#include "heap_watch.hpp"
 
 #include <algorithm>
 #include <stdexcept>
@@ -26,6 +27,21 @@ struct Plugin {
 
 Plugin plugin;
 
+// What `call` of the plug-in returns; it is to leave the heap alone.
+template <typename Call> auto watched(Recorder &recorder, Call call)
+{
+    std::size_t uses = 0;
+    const auto result = [&] {
+        const InPlugin runs;
+        const auto returned = call();
+        uses = runs.heapUses();
+        return returned;
+    }();
+    if (uses != 0)
+        recorder.wrong("the heap is used");
+    return result;
+}
+
 Trace runInit(const InitScenario &scenario, std::vector<sr_subtree_change_cb> *capture)
 {
     EntryRun running(scenario);
@@ -33,7 +49,8 @@ Trace runInit(const InitScenario &scenario, std::vector<sr_subtree_change_cb> *c
     running.known = &plugin.callbacks;
     const Current use(running);
     setLogLevel(scenario.log_level);
-    const int result = plugin.init(sessionOf(running), &running.private_context);
+    const int result =
+        watched(running, [&] { return plugin.init(sessionOf(running), &running.private_context); });
     running.record("private " + running.pointerName(running.private_context));
     running.record("result " + std::to_string(result));
     return std::move(running.trace);
@@ -74,8 +91,9 @@ Trace play(const Scenario &scenario)
     setLogLevel(scenario.log_level);
     const std::unique_ptr<char, decltype(&scribbleAndFree)> xpath(exactCopy(scenario.xpath),
                                                                   scribbleAndFree);
-    const int result =
-        plugin.callbacks[index](sessionOf(playing), xpath.get(), scenario.event, nullptr);
+    const int result = watched(playing, [&] {
+        return plugin.callbacks[index](sessionOf(playing), xpath.get(), scenario.event, nullptr);
+    });
     if (playing.context)
         playing.wrong("a context is left open");
     playing.record("result " + std::to_string(result));
@@ -94,7 +112,10 @@ Trace playCleanup(int log_level, std::int32_t unsubscribe_result)
     running.unsubscribe_result = unsubscribe_result;
     const Current use(running);
     setLogLevel(log_level);
-    plugin.cleanup(sessionOf(running), subscriptionContext());
+    watched(running, [&] {
+        plugin.cleanup(sessionOf(running), subscriptionContext());
+        return 0;
+    });
     return std::move(running.trace);
 }
 

@@ -1,6 +1,7 @@
 // sysrepo, and the device's additions to it.
 #include "device.hpp"
 #include "fake_run.hpp"
+#include "heap_watch.hpp"
 #include "trace_text.hpp"
 
 #include <algorithm>
@@ -12,6 +13,7 @@ int sr_subtree_change_subscribe(sr_session_ctx_t *session, const char *xpath,
                                 sr_subtree_change_cb callback, void *private_ctx, uint32_t priority,
                                 uint32_t opts, sr_subscription_ctx_t **subscription)
 {
+    const InPlatform here;
     EntryRun &running = entryRun();
     if (session != sessionOf(running))
         running.wrong("subscribe with another session");
@@ -45,6 +47,7 @@ int sr_subtree_change_subscribe(sr_session_ctx_t *session, const char *xpath,
 
 int sr_unsubscribe(sr_session_ctx_t *session, sr_subscription_ctx_t *subscription)
 {
+    const InPlatform here;
     EntryRun &running = entryRun();
     if (session != sessionOf(running))
         running.wrong("unsubscribe with another session");
@@ -55,6 +58,7 @@ int sr_unsubscribe(sr_session_ctx_t *session, sr_subscription_ctx_t *subscriptio
 
 int sr_get_changes_iter(sr_session_ctx_t *session, const char *xpath, sr_change_iter_t **iter)
 {
+    const InPlatform here;
     Run &playing = run();
     if (session != sessionOf(playing))
         playing.wrong("changes-iter with another session");
@@ -76,6 +80,7 @@ int sr_get_changes_iter(sr_session_ctx_t *session, const char *xpath, sr_change_
 int sr_get_change_next(sr_session_ctx_t *session, sr_change_iter_t *iter, sr_change_oper_t *oper,
                        sr_val_t **old_value, sr_val_t **new_value)
 {
+    const InPlatform here;
     Run &playing = run();
     const Scenario &scenario = playing.scenario;
     if (session != sessionOf(playing))
@@ -111,6 +116,7 @@ int sr_get_change_next(sr_session_ctx_t *session, sr_change_iter_t *iter, sr_cha
 
 void sr_free_change_iter(sr_change_iter_t *iter)
 {
+    const InPlatform here;
     Run &playing = run();
     if (iter == nullptr || static_cast<void *>(iter) != playing.iterator.get()) {
         playing.wrong("free-iter of an iterator that is not open");
@@ -122,6 +128,7 @@ void sr_free_change_iter(sr_change_iter_t *iter)
 
 void sr_free_val(sr_val_t *value)
 {
+    const InPlatform here;
     Run &playing = run();
     if (value == nullptr) {
         playing.record("free null");
@@ -141,6 +148,7 @@ void sr_free_val(sr_val_t *value)
 
 char *sr_xpath_node_name(const char *xpath)
 {
+    const InPlatform here;
     Run &playing = run();
     LiveValue *owner = playing.ownerOf(xpath);
     if (owner == nullptr) {
@@ -163,6 +171,7 @@ char *sr_xpath_node_name(const char *xpath)
 char *sr_xpath_key_value(char *xpath, const char *node_name, const char *key_name,
                          sr_xpath_ctx_t *state)
 {
+    const InPlatform here;
     Run &playing = run();
     LiveValue *owner = playing.ownerOf(xpath);
     if (owner == nullptr) {
@@ -204,6 +213,7 @@ char *sr_xpath_key_value(char *xpath, const char *node_name, const char *key_nam
 
 const char *sr_strerror(int code)
 {
+    const InPlatform here;
     const auto *playing = dynamic_cast<Run *>(&recorder()); // none in an entry point
     if (playing != nullptr && playing->scenario.strerror_null) {
         recorder().record("strerror " + std::to_string(code) + " -> null");
@@ -217,6 +227,7 @@ const char *sr_strerror(int code)
 
 int sr_convert_hexstring_to_string(const char *text, int size, char *out)
 {
+    const InPlatform here;
     Run &playing = run();
     if (text == nullptr || out == nullptr || size <= 0) {
         playing.wrong("unhex without a text or a buffer");

@@ -5,6 +5,9 @@
 #include "platform/nlog.h"
 #include "platform/sysrepo.h"
 
+#include <cstdlib>
+#include <cstring>
+
 #define EXPORTED extern "C" __attribute__((visibility("default")))
 
 namespace
@@ -123,6 +126,11 @@ int misuse(sr_session_ctx_t *session, const char *xpath, sr_notif_event_t event,
         uint32_t length = 1;
         CMF_ClientParamDecode(context, &kind, &length, &data);
         CMF_ClientContextClose(context);
+        return 0;
+    }
+    case 26: {
+        char *volatile copy = strdup("text"); // volatile: or it would be left out
+        std::free(copy);
         return 0;
     }
     default:
