@@ -68,8 +68,8 @@ struct ChangeSet {
     ChangeRefs refs;
 };
 
-// The changes from `before` to `after`, which outlive them. First all that are modified, then all
-// that are deleted, then all that are created:
+// The changes from `before` to `after`, which outlive them. First all that are
+// modified, then all that are deleted, then all that are created:
 //
 // - Created and modified nodes come level by level: all siblings, then what is
 //   below each. A new entry comes as list node, keys, other children; a new
