@@ -92,8 +92,8 @@ int aaaNcChangesWalk(AaaNcWalk &walk, sr_session_ctx_t *session, const char *xpa
 
 void aaaNcKeyMissingLog(const AaaNcWalk &walk, const AaaNcChange &change, const char *printed)
 {
-    AAA_NC_ERR(walk.handler.function.oneLeafChangeParse,
-               "Get value for key %s in xpath %s failed.", printed, change.value->xpath);
+    AAA_NC_ERR(walk.handler.function.oneLeafChangeParse, "Get value for key %s in xpath %s failed.",
+               printed, change.value->xpath);
 }
 
 void aaaNcWalkParamSet(AaaNcWalk &walk, std::uint32_t eMsgType, std::uint32_t length,
