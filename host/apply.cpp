@@ -37,9 +37,11 @@ Plan makePlan(const ApplyOptions &options)
         plan.edits.push_back(readDocument(plan.schema, edit, DocumentKind::Edit));
     }
     // Not kept: the states of many edits of a large configuration take much memory.
-    DataTree data = plan.data.copy();
+    const DataTree *before = &plan.data;
+    DataTree after;
     for (const Document &edit : plan.edits) {
-        data = applyEdit(plan.schema, data, edit);
+        after = applyEdit(plan.schema, *before, edit);
+        before = &after;
     }
     return plan;
 }
