@@ -54,6 +54,11 @@ void addMisbehaviour(CLI::App &command, std::vector<aaanc::Misbehaviour> &rules)
                    "  'request 1: away'        there is no service");
 }
 
+void addExamples(CLI::App &command, const std::string &examples)
+{
+    command.footer(command.get_footer() + "\n\nExamples:\n" + examples);
+}
+
 // What apply and replay have in common. `seconds` is the time limit.
 void addRunOptions(CLI::App &command, aaanc::RunOptions &options, double &seconds)
 {
@@ -91,6 +96,11 @@ CLI::App *addApply(CLI::App &app, aaanc::ApplyOptions &options, double &seconds)
                       "in it");
     addYang(*apply, options.yang);
     addRunOptions(*apply, options, seconds);
+    addExamples(*apply,
+                "  aaanc apply --startup switch.xml                what a start-up asks for\n"
+                "  aaanc apply --startup switch.xml edit.xml       ... and then an edit\n"
+                "  aaanc apply --json --hex edit.json              every byte, for a tool\n"
+                "  aaanc apply --misbehave 'request 2: refuse 43' edit.xml\n");
     return apply;
 }
 
@@ -105,13 +115,11 @@ CLI::App *addReplay(CLI::App &app, aaanc::ReplayOptions &options, double &second
         ->required();
     addYang(*replay, options.yang);
     addRunOptions(*replay, options, seconds);
-    replay->footer(
-        replay->get_footer() +
-        "\n\nExamples:\n"
-        "  aaanc replay device.txt                 what a device was told, at the desk\n"
-        "  aaanc replay --json --hex device.txt    the same with every byte, for a tool\n"
-        "  aaanc apply --record run.txt edit.xml   record, ...\n"
-        "  aaanc replay --log-level 4 run.txt      ... and replay with all log lines\n");
+    addExamples(*replay,
+                "  aaanc replay device.txt                 what a device was told, at the desk\n"
+                "  aaanc replay --json --hex device.txt    the same with every byte, for a tool\n"
+                "  aaanc apply --record run.txt edit.xml   record, ...\n"
+                "  aaanc replay --log-level 4 run.txt      ... and replay with all log lines\n");
     return replay;
 }
 
@@ -145,6 +153,17 @@ CLI::App *addDecode(CLI::App &app, aaanc::DecodeOptions &options)
     return decode;
 }
 
+void addService(CLI::App &app, aaanc::ServiceOptions &options)
+{
+    CLI::App *service = app.add_subcommand(
+        "service", "Run the AAA service alone; what it holds is shown when a signal ends it");
+    service->add_option("--socket", options.socket, "Where to listen")->required();
+    addMisbehaviour(*service, options.misbehaviours);
+    addOutputOptions(*service, options.output);
+    addExamples(*service, "  aaanc service --socket aaa.sock             in one terminal, ...\n"
+                          "  aaanc apply --socket aaa.sock edit.xml      ... and in another\n");
+}
+
 std::chrono::milliseconds milliseconds(double seconds)
 {
     return std::chrono::duration_cast<std::chrono::milliseconds>(
@@ -170,10 +189,7 @@ int run(int argc, char **argv)
     const CLI::App *decode = addDecode(app, decode_options);
 
     aaanc::ServiceOptions service_options;
-    CLI::App *service = app.add_subcommand("service", "Run the AAA service alone");
-    service->add_option("--socket", service_options.socket, "Where to listen")->required();
-    addMisbehaviour(*service, service_options.misbehaviours);
-    addOutputOptions(*service, service_options.output);
+    addService(app, service_options);
 
     // CLI11 would only say that a command is missing.
     const auto is_first = [=](const CLI::App *command) { return command->get_name() == argv[1]; };
@@ -201,8 +217,7 @@ int run(int argc, char **argv)
         replay_options.time_limit = milliseconds(seconds);
         return aaanc::replay(replay_options, guard);
     }
-    aaanc::serveAlone(service_options, guard);
-    return 0;
+    return aaanc::serveAlone(service_options, guard);
 }
 
 } // namespace

@@ -30,7 +30,7 @@ Answer answerIn(const Treatment &treatment)
 
 } // namespace
 
-void serveAlone(const ServiceOptions &options, TerminationGuard &guard)
+int serveAlone(const ServiceOptions &options, TerminationGuard &guard)
 {
     const std::unique_ptr<RecordWriter> writer = makeWriter(options.output, stdout);
     Reporter reporter(*writer);
@@ -50,7 +50,11 @@ void serveAlone(const ServiceOptions &options, TerminationGuard &guard)
     if (handler.isAway()) {
         service->leave();
     }
+    guard.endBy([&] { service->stop(); });
     service->serve();
+    guard.endBy({});
+    writer->state(handler.state());
+    return guard.status();
 }
 
 } // namespace aaanc

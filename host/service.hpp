@@ -17,8 +17,9 @@ struct ServiceOptions {
     OutputOptions output;
 };
 
-// Serves, telling of each request, until a signal ends it. Throws
-// std::runtime_error where no socket can be made.
-void serveAlone(const ServiceOptions &options, TerminationGuard &guard);
+// Serves, telling of each request, until a signal ends it, and tells then what it
+// holds. Returns the exit status; throws std::runtime_error where no socket can be
+// made.
+int serveAlone(const ServiceOptions &options, TerminationGuard &guard);
 
 } // namespace aaanc

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <stdexcept>
+#include <utility>
 
 #include <poll.h>
 #include <sys/eventfd.h>
@@ -15,6 +16,9 @@ namespace aaanc
 
 namespace
 {
+
+// Less than a second, which an end may take in all.
+constexpr int kMillisecondsToEnd = 500;
 
 Descriptor watchSignals()
 {
@@ -47,6 +51,12 @@ void TerminationGuard::removeAtEnd(const std::function<std::filesystem::path()> 
     paths_.push_back(make());
 }
 
+void TerminationGuard::endBy(std::function<void()> end)
+{
+    const std::lock_guard lock(mutex_);
+    end_ = std::move(end);
+}
+
 void TerminationGuard::watch()
 {
     pollfd polled[] = {{signals_.number(), POLLIN, 0}, {ending_.number(), POLLIN, 0}};
@@ -57,12 +67,21 @@ void TerminationGuard::watch()
         read(signals_.number(), &signal, sizeof signal) != sizeof signal) {
         return;
     }
-    const std::lock_guard lock(mutex_);
+    std::unique_lock lock(mutex_);
+    status_ = 128 + static_cast<int>(signal.ssi_signo);
+    if (end_) {
+        end_();
+        lock.unlock();
+        if (poll(&polled[1], 1, kMillisecondsToEnd) > 0) {
+            return;
+        }
+        lock.lock();
+    }
     for (const std::filesystem::path &path : paths_) {
         std::error_code ignored;
         std::filesystem::remove_all(path, ignored);
     }
-    _exit(128 + static_cast<int>(signal.ssi_signo));
+    _exit(status_);
 }
 
 TemporaryDirectory::TemporaryDirectory(TerminationGuard &guard)

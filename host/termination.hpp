@@ -1,6 +1,7 @@
 // An orderly end by SIGINT and SIGTERM.
 #pragma once
 
+#include <atomic>
 #include <csignal>
 #include <filesystem>
 #include <functional>
@@ -29,11 +30,22 @@ public:
     // signal waits meanwhile, so that nothing is left behind.
     void removeAtEnd(const std::function<std::filesystem::path()> &make);
 
+    // A signal calls `end` from now on, and leaves the process a moment to come to
+    // its end by itself. An empty one takes that back.
+    void endBy(std::function<void()> end);
+    // The exit status that a signal asks for; 0 before one.
+    [[nodiscard]] int status() const
+    {
+        return status_;
+    }
+
 private:
     void watch();
 
     std::mutex mutex_;
     std::vector<std::filesystem::path> paths_;
+    std::function<void()> end_;
+    std::atomic<int> status_ = 0;
     Descriptor signals_;
     Descriptor ending_;
     std::thread thread_; // started last

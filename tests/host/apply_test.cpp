@@ -3,13 +3,17 @@
 // runs/*.run: sections "file NAME", "arguments" (one a line), "status", "output",
 // "errors" or "errors without line numbers" (those of log lines are left out).
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <map>
 #include <thread>
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include "cmf_wire.hpp"
 #include "process.hpp"
@@ -238,7 +242,11 @@ TEST(ServiceAlone, TellsRequestsAndEndsBySignal)
         EXPECT_EQ(outcome.status, 128 + signal);
         EXPECT_EQ(outcome.output, "    request 1: set start-failure policy (type 21)\n"
                                   "      startFailType        1\n"
-                                  "      answer               0 (accepted)\n");
+                                  "      answer               0 (accepted)\n"
+                                  "State of the AAA service: 1 object\n"
+                                  "  Start-failure policy\n"
+                                  "    startFailType  request\n"
+                                  "    1              1\n");
         EXPECT_FALSE(std::filesystem::exists(scratch.path() + "/aaa.sock"));
     }
 }
@@ -256,6 +264,25 @@ TEST(ServiceAlone, HidesSharedKeys)
         expectNoCanary(outcome.output);
         expectNoCanary(outcome.errors);
     }
+}
+
+// Its output is a pipe that is full.
+TEST(ServiceAlone, EndsWithinASecondThoughNobodyReadsWhatItTells)
+{
+    const ScratchDirectory scratch;
+    const std::string output = scratch.path() + "/output";
+    ASSERT_EQ(mkfifo(output.c_str(), 0600), 0);
+    const Descriptor pipe(open(output.c_str(), O_RDWR | O_CLOEXEC | O_NONBLOCK));
+    const std::string bytes(4096, 'x');
+    while (write(pipe.number(), bytes.data(), bytes.size()) > 0) {
+    }
+    ASSERT_EQ(errno, EAGAIN);
+    Alone service(scratch.path());
+    std::filesystem::remove(output);
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_EQ(service.end(SIGTERM).status, 128 + SIGTERM);
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(1));
+    EXPECT_FALSE(std::filesystem::exists(scratch.path() + "/aaa.sock"));
 }
 
 TEST(ServiceAlone, ReplacesASocketThatNobodyListensOn)

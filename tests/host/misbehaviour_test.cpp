@@ -106,7 +106,7 @@ TEST_P(Misbehaving, AloneItDoesTheSame)
     const ScratchDirectory client;
     const std::string socket = scratch.path() + "/aaa.sock";
     const std::string edit = client.write("edit.json", kThreeDomains);
-    Process service(scratch.path(), {"service", "--socket", "aaa.sock", "--misbehave",
+    Process service(scratch.path(), {"service", "--json", "--socket", "aaa.sock", "--misbehave",
                                      fmt::format("request 2: {}", way.manner)});
     for (int i = 0; i < 1000 && !std::filesystem::exists(socket); ++i) {
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
@@ -114,10 +114,19 @@ TEST_P(Misbehaving, AloneItDoesTheSame)
     const Outcome outcome = runAaanc(
         {"apply", "--json", "--no-enabled", "--receive-timeout", "0.3", "--socket", socket, edit});
     kill(service.id(), SIGTERM);
-    EXPECT_EQ(service.wait().status, 128 + SIGTERM);
+    const Outcome served = service.wait();
+    EXPECT_EQ(served.status, 128 + SIGTERM);
     EXPECT_FALSE(std::filesystem::exists(socket));
     EXPECT_EQ(outcome.status, way.ends_the_walk ? 1 : 0);
     EXPECT_EQ(toldBy(outcome.output).requests, way.ends_the_walk ? 2U : 3U);
+    std::vector<std::string> kept = {"one"};
+    if (!way.ends_the_walk) {
+        kept.emplace_back("three");
+    }
+    if (way.kept) {
+        kept.emplace_back("two");
+    }
+    EXPECT_EQ(toldBy(served.output).domains, kept);
 }
 
 std::string nameOf(const testing::TestParamInfo<Way> &parameter)
