@@ -1,7 +1,7 @@
-// The commands of docs/what-does-not-reach-the-service.md print what it says.
+// Commands print what the pages say.
 //
-// An indented block that begins with "$ aaanc" is a command and its output; a
-// line "..." stands for any lines.
+// In docs/what-does-not-reach-the-service.md an indented block that begins with
+// "$ aaanc" is a command and its output; a line "..." stands for any lines.
 #include <filesystem>
 #include <span>
 
@@ -82,18 +82,36 @@ bool matches(std::span<const std::string> pattern, std::span<const std::string> 
            matches(pattern.subspan(1), text.subspan(1));
 }
 
+// A command of the project's root directory.
+Outcome runAtRoot(const std::vector<std::string> &arguments)
+{
+    const ScratchDirectory scratch;
+    std::filesystem::create_directory_symlink(AAANC_EXAMPLES, scratch.path() + "/examples");
+    return Process(scratch.path(), arguments).wait();
+}
+
 TEST(Docs, SayWhatDoesNotReachTheService)
 {
     const std::vector<Transcript> all = transcripts();
     EXPECT_GE(all.size(), 8U);
     for (const Transcript &transcript : all) {
-        const ScratchDirectory scratch;
-        std::filesystem::create_directory_symlink(AAANC_EXAMPLES, scratch.path() + "/examples");
-        const Outcome outcome = Process(scratch.path(), transcript.arguments).wait();
+        const Outcome outcome = runAtRoot(transcript.arguments);
         EXPECT_TRUE(matches(transcript.output, lines(outcome.output)))
             << transcript.arguments.back() << "\n"
             << outcome.output << outcome.errors;
     }
+}
+
+TEST(Docs, ShowTheEndOfTheDemo)
+{
+    constexpr std::string_view kFence = "```\n";
+    const std::string page = readText(AAANC_DOCS "/../README.md");
+    const std::size_t begin = page.find("Edit examples/edit.xml");
+    ASSERT_NE(begin, std::string::npos);
+    const std::string shown = page.substr(begin, page.find(kFence, begin) - begin);
+    const Outcome outcome =
+        runAtRoot({"apply", "--startup", "examples/startup.xml", "examples/edit.xml"});
+    EXPECT_TRUE(outcome.output.ends_with(shown)) << outcome.output << outcome.errors;
 }
 
 } // namespace
