@@ -10,6 +10,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <type_traits>
 
 #include "nlog.h"
 #include "sysrepo.h"
@@ -74,6 +75,12 @@ template <typename... Args> constexpr bool aaaNcLogTextFits(const char *format)
 
 void aaaNcLogTextDoesNotFitItsArguments(); // never defined
 
+// Whether an argument of type Given is passed on just as one of type T: nothing
+// converts it on its way to the sink.
+template <typename T, typename Given>
+inline constexpr bool aaaNcPassesAs = std::is_same_v<Given, T>;
+template <> inline constexpr bool aaaNcPassesAs<const char *, char *> = true;
+
 // A text of a table, printed with arguments of types Args. Null where a handler
 // has no such line.
 template <typename... Args> struct AaaNcLogText {
@@ -87,5 +94,8 @@ template <typename... Args> struct AaaNcLogText {
         }
     }
 
-    char takes(Args... args) const; // never defined; see AAA_NC_FORMAT_OF
+    // Never defined; see AAA_NC_FORMAT_OF.
+    template <typename... Given, typename = std::enable_if_t<(sizeof...(Given) == sizeof...(Args))>,
+              typename = std::enable_if_t<(aaaNcPassesAs<Args, Given> && ...)>>
+    char takes(Given... args) const;
 };

@@ -39,12 +39,37 @@ void logLine(const EntryText &text, std::uint32_t event)
 {
     AAA_NC_DBG_OF("f", text, event, event);
 }
+#elif defined(LINE_OF_A_TABLE_WANTS_32_BITS)
+void logLine(const EntryText &text, const char *xpath, std::uint64_t event)
+{
+    AAA_NC_DBG_OF("f", text, xpath, event);
+}
+#elif defined(LINE_OF_A_TABLE_WANTS_A_WHOLE_NUMBER)
+void logLine(const EntryText &text, const char *xpath, double event)
+{
+    AAA_NC_DBG_OF("f", text, xpath, event);
+}
+#elif defined(LINE_OF_A_TABLE_WANTS_A_POINTER)
+void logLine(const EntryText &text, std::uint32_t event)
+{
+    AAA_NC_DBG_OF("f", text, 0, event);
+}
+#elif defined(LINE_OF_A_TABLE_WANTS_NOTHING_TO_CONVERT)
+struct Path {
+    operator const char *() const;
+};
+void logLine(const EntryText &text, const Path &xpath, std::uint32_t event)
+{
+    AAA_NC_DBG_OF("f", text, xpath, event);
+}
 #else
 constexpr EntryText kText = AAA_NC_LOG_TEXT("Config: path %s, notify event %d.");
 
-void logLine(const char *xpath, std::uint32_t event, int code)
+void logLine(const char *xpath, char *leaf, std::uint32_t event, int code)
 {
     AAA_NC_DBG_OF("f", kText, xpath, event);
+    AAA_NC_DBG_OF("f", kText, leaf, event);
+    AAA_NC_DBG_OF("f", kText, "text", event);
     AAA_NC_ERR("f", "Code %d.", code);
 }
 #endif
