@@ -17,11 +17,15 @@ AAA_NC_FIELD(AaaNcServerName, family, 81, 1);
 AAA_NC_FIELD(AaaNcServerName, reserved82, 82, 2);
 AAA_NC_RECORD(AaaNcServerName, 84);
 
-// The shared key (RFC 2865 section 3, RFC 8907 section 4.5). One of the two
-// texts holds it, the other is empty.
+// AaaNcServerKey::keyType
+enum : std::uint32_t { AAA_NC_KEY_PLAIN = 0, AAA_NC_KEY_CIPHER = 1 };
+
+// The shared key (RFC 2865 section 3, RFC 8907 section 4.5). Each text is empty
+// until a key has come under its type; a key that comes later under the other
+// type leaves it as it is.
 struct AaaNcServerKey {
     char plainKey[128];    // NUL-terminated, at most 127 characters
-    std::uint32_t keyType; // 0 plain, 1 cipher
+    std::uint32_t keyType; // AAA_NC_KEY_...
     char cipherKey[260];   // NUL-terminated, at most 259 characters
 };
 

@@ -2,12 +2,15 @@
 // comes or goes.
 #include "aaa_nc/domain.hpp"
 
+#include <cstring>
+
 #include "handlers/handlers.hpp"
-#include "walk/gather.hpp"
+#include "walk/text.hpp"
+#include "walk/walk.hpp"
 
 static const char kName[] = "domainName";
 
-// No blanks, nothing behind an "@", and not the domain that is always there.
+// No blank, no "@", and not the domain that is always there.
 static bool domainNameIsValid(const char *name)
 {
     return std::strpbrk(name, " @") == nullptr && std::strcmp(name, "default") != 0;

@@ -1,12 +1,16 @@
 // /orvek-aaa:sysAaa/aaaDomainAuthenInfo/authenInfo and
 // /orvek-aaa:sysAaa/aaaDomainAccountInfo/accountInfo: a domain's 802.1X method
 // list, for authentication and for accounting. Leaves are gathered until the
-// record is complete; it goes out when another entry begins, or at the end.
+// record is complete; it goes out with the next node that is none of the table's,
+// such as the next entry's own, or at the end.
 #include "aaa_nc/domain_method.hpp"
+
+#include <cstring>
 
 #include "handlers/handlers.hpp"
 #include "walk/checks.hpp"
 #include "walk/gather.hpp"
+#include "walk/text.hpp"
 
 // Leaves seen: what a record must have, and each leaf of the group pairs.
 enum : std::uint32_t {
@@ -28,7 +32,7 @@ struct Word {
 // What tells authentication from accounting, beside names and texts.
 struct MethodHandler : AaaNcHandler {
     // Before each send: domain name, protocol; and the flag, where it is printed
-    // of a record that another entry's node sends.
+    // of a record that an unknown node sends.
     AaaNcLogText<const char *, std::uint32_t> set;
     AaaNcLogText<const char *, std::uint32_t, const char *> setByNode;
     AaaNcTwin twin;

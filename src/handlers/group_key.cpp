@@ -1,6 +1,6 @@
 #include "handlers/group_key.hpp"
 
-#include "walk/gather.hpp"
+#include "walk/text.hpp"
 
 static const char kList[] = "serverGroup";
 static const char kType[] = "serverGroupType";

@@ -4,6 +4,7 @@
 #include "aaa_nc/radius_server.hpp"
 
 #include <cstdlib>
+#include <cstring>
 
 #include "gnl.h"
 #include "handlers/handlers.hpp"
@@ -13,7 +14,7 @@
 struct RadiusHandler : AaaNcHandler {
     AaaNcTwin twin;
     std::uint8_t family;
-    const char *list;      // list node
+    const char *node;      // of the list
     int lastRefusedResult; // of a walk's last request; 0: as that of any other
 };
 
@@ -32,8 +33,8 @@ struct RadiusWalk : AaaNcServerWalk {
 // given in setFlag.
 static int radiusKeyStore(AaaNcGather &gather, const AaaNcLeaf &leaf, const sr_val_t &value)
 {
-    if ((gather.seen & AAA_NC_SEEN_KEY_TYPE) == 0) {
-        static_cast<RadiusWalk &>(gather).info.key.keyType = 1;
+    if ((gather.seen & AAA_NC_SET_KEY_TYPE) == 0) {
+        static_cast<RadiusWalk &>(gather).info.key.keyType = AAA_NC_KEY_CIPHER;
     }
     return aaaNcServerKeyStore(gather, leaf, value);
 }
@@ -60,7 +61,7 @@ static constexpr AaaNcLeaf kLeaves[] = {
 
 // Stores the low 32 bits of strtol(). Nearly every port is a few digits, and both
 // are read at each change, so those are not left to it.
-static void portKeyStore(char *field, std::size_t /*size*/, const char *text)
+static void portKeyStore(char *field, const char *text, std::size_t /*size*/)
 {
     std::uint32_t port = 0;
     const char *end = text;
@@ -73,7 +74,7 @@ static void portKeyStore(char *field, std::size_t /*size*/, const char *text)
     std::memcpy(field, &port, sizeof(port));
 }
 
-static void textKeyStore(char *field, std::size_t size, const char *text)
+static void textKeyStore(char *field, const char *text, std::size_t size)
 {
     gnl_strlcpy(field, text, size);
 }
@@ -84,7 +85,7 @@ static void textKeyStore(char *field, std::size_t size, const char *text)
 struct RadiusKey {
     const char *name[2]; // by AaaNcTwin
     const char *printed;
-    void (*store)(char *field, std::size_t size, const char *text);
+    void (*store)(char *field, const char *text, std::size_t size);
     std::size_t offset; // of the field in AaaNcRadiusServerKey
     std::size_t size;   // of the field
 };
@@ -114,12 +115,12 @@ static int radiusKeyGet(const RadiusWalk &walk, const AaaNcChange &change,
 {
     for (const RadiusKey &known : kKeys) {
         const char *text = nullptr;
-        const int rc = aaaNcChangeKeyGet(walk, change, walk.list.list, known.name[walk.list.twin],
+        const int rc = aaaNcChangeKeyGet(walk, change, walk.list.node, known.name[walk.list.twin],
                                          known.printed, &text);
         if (rc != 0) {
             return rc;
         }
-        known.store(reinterpret_cast<char *>(&key) + known.offset, known.size, text);
+        known.store(reinterpret_cast<char *>(&key) + known.offset, text, known.size);
     }
     key.name.family = walk.family;
     return 0;

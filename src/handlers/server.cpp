@@ -1,8 +1,9 @@
 #include "handlers/server.hpp"
 
-#include "walk/checks.hpp"
+#include <cstring>
 
-enum : std::uint32_t { kPlain = 0, kCipher = 1 };
+#include "walk/checks.hpp"
+#include "walk/text.hpp"
 
 // The size that the platform decodes a key into.
 enum { kDecodedSize = 259 };
@@ -28,7 +29,8 @@ int aaaNcServerAddrStore(AaaNcGather &gather, const AaaNcLeaf &leaf, const sr_va
 int aaaNcServerKeyTypeStore(AaaNcGather &gather, const AaaNcLeaf &leaf, const sr_val_t &value)
 {
     const bool plain = std::strcmp(aaaNcValueText(value), "0") == 0;
-    recordField<AaaNcServerKey>(gather, leaf).keyType = plain ? kPlain : kCipher;
+    recordField<AaaNcServerKey>(gather, leaf).keyType =
+        plain ? AAA_NC_KEY_PLAIN : AAA_NC_KEY_CIPHER;
     return 0;
 }
 
@@ -43,9 +45,9 @@ int aaaNcServerKeyStore(AaaNcGather &gather, const AaaNcLeaf &leaf, const sr_val
     }
     auto &key = recordField<AaaNcServerKey>(gather, leaf);
     const std::size_t length = std::strlen(decoded);
-    if (key.keyType != kPlain) {
+    if (key.keyType != AAA_NC_KEY_PLAIN) {
         // GCOVR_EXCL_START: no input comes here, since 259 bytes at most are decoded. The
-        // check is kept for a platform that decodes more.
+        // bound is the field's, whatever is decoded into.
         if (length >= sizeof(key.cipherKey)) {
             AAA_NC_ERR(function, "Aaa netconf client input cipher key length[%d] is too long.",
                        static_cast<int>(length));

@@ -7,9 +7,6 @@
 // AaaNcServerName::family
 enum : std::uint8_t { AAA_NC_FAMILY_IPV4 = 2, AAA_NC_FAMILY_IPV6 = 10 };
 
-// Bits of the leaves seen that the key handling sets; also those of setFlag.
-enum : std::uint32_t { AAA_NC_SEEN_KEY_TYPE = 0x10, AAA_NC_SEEN_KEY = 0x20 };
-
 // A walk that gathers a server.
 struct AaaNcServerWalk : AaaNcGather {
     std::uint8_t family; // of the list's addresses

@@ -2,9 +2,11 @@
 // group's type leaf.
 #include "aaa_nc/server_group.hpp"
 
+#include <cstring>
+
 #include "handlers/group_key.hpp"
 #include "handlers/handlers.hpp"
-#include "walk/gather.hpp"
+#include "walk/text.hpp"
 
 struct GroupType {
     const char *word; // serverGroupType

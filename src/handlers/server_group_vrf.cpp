@@ -2,10 +2,12 @@
 // group's VRF.
 #include "aaa_nc/server_group.hpp"
 
+#include <cstring>
+
 #include "gnl.h"
 #include "handlers/group_key.hpp"
 #include "handlers/handlers.hpp"
-#include "walk/gather.hpp"
+#include "walk/text.hpp"
 
 // The VRF of a group that is bound to none.
 static const char kNoVrf[] = "global";

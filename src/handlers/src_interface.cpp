@@ -5,6 +5,7 @@
 #include "gnl.h"
 #include "handlers/handlers.hpp"
 #include "walk/gather.hpp"
+#include "walk/text.hpp"
 
 enum : std::uint32_t { kSeenName = 1, kSeenVrf = 2, kSeenBoth = 3 };
 

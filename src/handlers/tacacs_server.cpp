@@ -10,9 +10,10 @@ enum : std::uint32_t {
     kSeenGroupName = 0x01,
     kSeenAddr = 0x02,
     kSeenPort = 0x04,
+    kSeenKeyType = 0x10,
+    kSeenKey = 0x20,
     kSeenPriority = 0x40,
-    kSeenAll = kSeenGroupName | kSeenAddr | kSeenPort | AAA_NC_SEEN_KEY_TYPE | AAA_NC_SEEN_KEY |
-               kSeenPriority
+    kSeenAll = kSeenGroupName | kSeenAddr | kSeenPort | kSeenKeyType | kSeenKey | kSeenPriority
 };
 
 // What tells the IPv4 list from the IPv6 list, beside names and texts.
@@ -42,9 +43,9 @@ static constexpr AaaNcLeaf kLeaves[] = {
     {{"tacacsIpv4ServerPort", "tacacsIpv6ServerPort"},
      kSeenPort, aaaNcUint16Store, AAA_NC_IN(AaaNcTacacsServerInfo, Port)},
     {{"tacacsIpv4ServerKeyType", "tacacsIpv6ServerKeyType"},
-     AAA_NC_SEEN_KEY_TYPE, aaaNcServerKeyTypeStore, AAA_NC_IN(AaaNcTacacsServerInfo, key)},
+     kSeenKeyType, aaaNcServerKeyTypeStore, AAA_NC_IN(AaaNcTacacsServerInfo, key)},
     {{"tacacsIpv4ServerKey", "tacacsIpv6ServerKey"},
-     AAA_NC_SEEN_KEY, aaaNcServerKeyStore, AAA_NC_IN(AaaNcTacacsServerInfo, key)},
+     kSeenKey, aaaNcServerKeyStore, AAA_NC_IN(AaaNcTacacsServerInfo, key)},
     {{"tacacsIpv4ServerPriority", "tacacsIpv6ServerPriority"},
      kSeenPriority, aaaNcUint8Store, AAA_NC_IN(AaaNcTacacsServerInfo, priority)},
 };

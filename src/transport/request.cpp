@@ -45,6 +45,8 @@ void aaaNcParamSet(std::uint32_t eMsgType, sr_change_oper_t oper, std::uint32_t 
 
 enum : std::uint32_t { kHeaderLength = sizeof(AaaNcParamHeader), kRespLength = sizeof(AaaNcResp) };
 
+static const char kSendProc[] = "aaaNcCmfSendProc";
+
 // The service's answer in a reply of `length` bytes at `data`.
 static int resultDecode(const void *data, std::uint32_t length)
 {
@@ -53,7 +55,7 @@ static int resultDecode(const void *data, std::uint32_t length)
         std::memcpy(&resp, data, length < kRespLength ? length : kRespLength);
     }
     if (length != resp.length + kRespLength) {
-        AAA_NC_ERR("aaaNcCmfSendProc", "Cmf data len is not the same,respParamLen=<%d>.", length);
+        AAA_NC_ERR(kSendProc, "Cmf data len is not the same,respParamLen=<%d>.", length);
         return 0;
     }
     return static_cast<int>(resp.result);
@@ -62,38 +64,37 @@ static int resultDecode(const void *data, std::uint32_t length)
 // The exchange in an open context.
 static int requestExchange(void *ctx, const AaaNcParam &block)
 {
-    static const char function[] = "aaaNcCmfSendProc";
     const AaaNcParamHeader &header = block.header;
 
     const AaaNcCmfObject object = {header.eMsgType,
                                    header.bDoFlag != 0 ? kOperationSet : kOperationUndo, 0};
     int rc = CMF_ClientContextObjSet(ctx, &object);
     if (rc != 0) {
-        AAA_NC_ERR(function, "Aaa nc cmf set client ctx obj failed, ret=%d.", rc);
+        AAA_NC_ERR(kSendProc, "Aaa nc cmf set client ctx obj failed, ret=%d.", rc);
         return rc;
     }
 
     rc = CMF_ClientParamEncode(ctx, 0, header.length + kHeaderLength, &block);
     if (rc != 0) {
-        AAA_NC_ERR(function, "Cmf client encode param failed, msgLength=%d + %d, ret=%d.",
+        AAA_NC_ERR(kSendProc, "Cmf client encode param failed, msgLength=%d + %d, ret=%d.",
                    header.length, kHeaderLength, rc);
         return rc;
     }
 
     rc = CMF_ClientRequestSend(ctx);
     if (rc == CMF_NO_MEMORY) {
-        AAA_NC_ERR(function, "Cannot execute the command, because system memory is low, ret=%d.\n",
+        AAA_NC_ERR(kSendProc, "Cannot execute the command, because system memory is low, ret=%d.\n",
                    rc);
         return rc;
     }
     if (rc != 0) {
-        AAA_NC_ERR(function, "Cmf client send req failed, ret=%d.", rc);
+        AAA_NC_ERR(kSendProc, "Cmf client send req failed, ret=%d.", rc);
         return rc;
     }
 
     rc = CMF_ClientResponseRecv(ctx);
     if (rc != 0) {
-        AAA_NC_ERR(function, "Cmf client resp failed, ret=%d.", rc);
+        AAA_NC_ERR(kSendProc, "Cmf client resp failed, ret=%d.", rc);
         return rc;
     }
 
@@ -102,7 +103,7 @@ static int requestExchange(void *ctx, const AaaNcParam &block)
     void *data = nullptr;
     rc = CMF_ClientParamDecode(ctx, &kind, &length, &data);
     if (rc != 0) {
-        AAA_NC_ERR(function, "Cmf recv decode param failed, ret=%d.", rc);
+        AAA_NC_ERR(kSendProc, "Cmf recv decode param failed, ret=%d.", rc);
         return rc;
     }
     return resultDecode(data, length);
@@ -112,7 +113,7 @@ int aaaNcCmfSendProc(const AaaNcParam &block)
 {
     void *ctx = CMF_ClientContextInit(kService, kClient, 1);
     if (ctx == nullptr) {
-        AAA_NC_ERR("aaaNcCmfSendProc", "Aaa nc cmf init client ctx failed, cmfContext=%d.", 0);
+        AAA_NC_ERR(kSendProc, "Aaa nc cmf init client ctx failed, cmfContext=%d.", 0);
         return 1;
     }
     const int rc = requestExchange(ctx, block);

@@ -1,5 +1,9 @@
 #include "walk/gather.hpp"
 
+#include <cstring>
+
+#include "walk/text.hpp"
+
 const AaaNcLeaf *aaaNcLeafFind(const AaaNcLeaf *leaves, std::size_t count, AaaNcTwin twin,
                                const char *name)
 {

@@ -1,10 +1,11 @@
 // Gathering the changed leaves of a list entry into one record.
 //
-// A table row says which leaf goes where in the record, and how it is stored. A
-// new leaf is one row here and one member of the record.
+// A row of a handler's table says which leaf goes where in the record, and how it
+// is stored. A new leaf is one row there and one member of the record.
 #pragma once
 
-#include <cstring>
+#include <cstddef>
+#include <cstdint>
 
 #include "walk/walk.hpp"
 
@@ -68,18 +69,6 @@ const AaaNcLeaf *aaaNcLeafFind(const AaaNcLeaf (&leaves)[N], AaaNcTwin twin, con
 
 // Stores the change's value as `leaf` says. A result other than 0 ends the walk.
 int aaaNcLeafStore(AaaNcGather &gather, const AaaNcLeaf &leaf, const AaaNcChange &change);
-
-// The text of a string value; a null one is empty.
-inline const char *aaaNcValueText(const sr_val_t &value)
-{
-    return value.data.string_val != nullptr ? value.data.string_val : "";
-}
-
-// Copies text into a zeroed field of `size` bytes, cut so that it stays terminated.
-inline void aaaNcTextCopy(char *field, const char *text, std::size_t size)
-{
-    std::strncpy(field, text, size - 1);
-}
 
 // Ways to store a value.
 int aaaNcTextStore(AaaNcGather &gather, const AaaNcLeaf &leaf, const sr_val_t &value);

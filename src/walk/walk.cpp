@@ -58,6 +58,7 @@ static int leafChangesParse(AaaNcWalk &walk, sr_session_ctx_t *session, const ch
         }
         walk.oper = oper;
         rc = oneLeafChangeParse(walk, oldValue, newValue);
+        // The one place that gives values back, the old one first.
         sr_val_t *const values[] = {oldValue, newValue};
         for (sr_val_t *value : values) {
             sr_free_val(value);
