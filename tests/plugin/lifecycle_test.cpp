@@ -145,9 +145,15 @@ TEST(Lifecycle, CallbacksMayRunBeforeTheirSubscribeCallReturns)
         Scenario enabled;
         enabled.callback = kSubscriptions[row - 1].callback;
         enabled.xpath = kSubscriptions[row - 1].xpath;
-        enabled.event = 2; // left alone by all of them
+        enabled.event = 3;
         enabled.log_level = 0;
-        EXPECT_EQ(play(enabled), Trace{"result 0"});
+        const Trace trace = play(enabled);
+        EXPECT_EQ(trace.front(), "changes-iter \"" + enabled.xpath + "\" -> 0");
+        EXPECT_EQ(trace.at(1), "next -> 5");
+        EXPECT_EQ(trace.back(), "result 0");
+        for (const std::string &line : trace) {
+            EXPECT_FALSE(line.starts_with("WRONG")) << line;
+        }
         ++delivered;
     };
     Trace expected = allSubscribed(kDebugLevel);
