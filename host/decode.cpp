@@ -1,6 +1,5 @@
 #include "decode.hpp"
 
-#include <cstring>
 #include <string>
 #include <vector>
 
@@ -11,7 +10,6 @@
 #include "input_error.hpp"
 #include "input_file.hpp"
 #include "request_text.hpp"
-#include "running_state.hpp"
 
 namespace aaanc
 {
@@ -23,23 +21,12 @@ using Json = nlohmann::ordered_json;
 
 constexpr std::size_t kObjectSize = sizeof(ObjectRecord);
 
-std::uint32_t swapped(std::uint32_t word)
-{
-    return word >> 24U | (word >> 8U & 0xff00U) | (word << 8U & 0xff0000U) | word << 24U;
-}
-
-std::uint32_t wordAt(const Bytes &bytes, std::size_t offset, std::endian order)
-{
-    std::uint32_t word = 0;
-    std::memcpy(&word, bytes.data() + offset, sizeof word);
-    return order == std::endian::native ? word : swapped(word);
-}
-
 void appendWord(Bytes &bytes, std::uint32_t word, std::endian order)
 {
-    const std::uint32_t stored = order == std::endian::native ? word : swapped(word);
-    const auto *first = reinterpret_cast<const std::byte *>(&stored);
-    bytes.insert(bytes.end(), first, first + sizeof stored);
+    for (const unsigned byte : {0U, 1U, 2U, 3U}) {
+        const unsigned shift = 8U * (order == std::endian::big ? 3U - byte : byte);
+        bytes.push_back(static_cast<std::byte>(word >> shift));
+    }
 }
 
 // How much of a header makes sense when it is read in this order.
@@ -87,11 +74,6 @@ void checkObject(Request &request, const Bytes &object, std::endian order)
 // What is wrong beyond what the fields tell.
 void checkWhole(Request &request, std::size_t payload_size)
 {
-    const bool unfilled = isWithoutMeaning(request) && request.length == 0;
-    if (unfilled && payload_size == 0) {
-        // By design it has no payload, which is a length that its type does not have.
-        request.problems.clear();
-    }
     if (request.set > 1) {
         request.problems.push_back(
             fmt::format("bDoFlag is {}; it is 1 for set or 0 for undo", request.set));
@@ -192,12 +174,6 @@ int decode(const DecodeOptions &options)
     } else {
         std::string text = title(decoded, options.type.has_value());
         text += requestRows(decoded.request, output.show_keys);
-        if (isWithoutMeaning(decoded.request)) {
-            // Its rows are a summary, which leaves out what is wrong.
-            for (const std::string &problem : decoded.request.problems) {
-                text += requestRow("problem", problem);
-            }
-        }
         if (output.hex) {
             text += hexDump(decoded.block, "      ", is_hidden);
         }

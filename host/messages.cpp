@@ -17,6 +17,8 @@ namespace
 using enum FieldKind;
 using enum FieldRole;
 
+constexpr std::string_view kUnknown = "unknown";
+
 constexpr NumberMeaning kFamilies[] = {{2, "IPv4"}, {10, "IPv6"}};
 constexpr NumberMeaning kKeyTypes[] = {{0, "plain"}, {1, "cipher"}};
 constexpr NumberMeaning kLeavesGiven[] = {{0x10, "key type"}, {0x20, "key"}, {0x40, "priority"}};
@@ -126,6 +128,11 @@ constexpr bool hasNoGaps(const MessageLayout &message)
 }
 static_assert(std::ranges::all_of(kMessages, hasNoGaps));
 
+bool isZero(const Field &field)
+{
+    return field.text.empty() && field.number == 0;
+}
+
 std::uint32_t readNumber(std::span<const std::byte> bytes, std::endian order)
 {
     std::uint32_t number = 0;
@@ -154,27 +161,34 @@ public:
             misfit(fmt::format("message type {} is unknown", request_.type));
             return;
         }
-        if (request_.length != request_.layout->length) {
+        if (request_.length != request_.layout->length && !isWithoutMeaning(request_)) {
             misfit(fmt::format("the length is {}; for this type it is {}", request_.length,
                                request_.layout->length));
         }
         for (const FieldLayout &field : request_.layout->fields) {
-            if (field.offset + field.size <= payload_.size()) {
-                decode(field);
+            if (field.offset < payload_.size()) {
+                const std::span<const std::byte> rest = payload_.subspan(field.offset);
+                decode(field, rest.first(std::min(field.size, rest.size())));
             }
+        }
+        if (!isWithoutMeaning(request_)) {
+            std::ranges::for_each(request_.fields,
+                                  [this](const Field &each) { checkMeaning(each); });
         }
     }
 
 private:
-    void decode(const FieldLayout &field)
+    // `bytes` are fewer than the field has at the end of a payload that is too short.
+    void decode(const FieldLayout &field, std::span<const std::byte> bytes)
     {
-        const std::span<const std::byte> bytes = payload_.subspan(field.offset, field.size);
         switch (field.kind) {
         case Text:
             decodeText(field, bytes);
             break;
         case Number:
-            request_.fields.push_back({&field, {}, readNumber(bytes, order_)});
+            if (bytes.size() == field.size) {
+                request_.fields.push_back({&field, {}, readNumber(bytes, order_)});
+            }
             break;
         case Reserved:
             checkZero("reserved", field.offset, bytes);
@@ -206,6 +220,36 @@ private:
         }
     }
 
+    void checkMeaning(const Field &field)
+    {
+        const std::string_view name = field.layout->name;
+        if (const std::uint32_t bits = bitsWithoutMeaning(field); bits != 0) {
+            problem(fmt::format("{} has bits that mean nothing: 0x{:02x}", name, bits));
+        } else if (!hasMeaning(field)) {
+            problem(fmt::format("{} is {}, which means nothing", name, field.number));
+        }
+    }
+
+    static std::uint32_t bitsWithoutMeaning(const Field &field)
+    {
+        std::uint32_t bits = field.layout->bits ? field.number : 0;
+        for (const NumberMeaning &each : field.layout->meanings) {
+            bits &= ~each.number;
+        }
+        return bits;
+    }
+
+    // True also of a field that takes any number.
+    [[nodiscard]] bool hasMeaning(const Field &field) const
+    {
+        if (isGroupType(*field.layout)) {
+            return groupTypeMeaning(request_, field.number) != kUnknown;
+        }
+        const std::span<const NumberMeaning> meanings = field.layout->meanings;
+        return meanings.empty() || field.layout->bits ||
+               std::ranges::find(meanings, field.number, &NumberMeaning::number) != meanings.end();
+    }
+
     void misfit(std::string text)
     {
         request_.fits = false;
@@ -224,15 +268,15 @@ private:
 
 } // namespace
 
-std::span<const MessageLayout> messageLayouts()
-{
-    return kMessages;
-}
-
 const MessageLayout *findMessage(std::uint32_t type)
 {
     const auto *found = std::ranges::find(kMessages, type, &MessageLayout::type);
     return found != std::end(kMessages) ? found : nullptr;
+}
+
+std::uint32_t wordAt(std::span<const std::byte> bytes, std::size_t offset, std::endian order)
+{
+    return readNumber(bytes.subspan(offset, sizeof(std::uint32_t)), order);
 }
 
 std::optional<Request> decodeRequest(std::span<const std::byte> block, std::endian order)
@@ -241,12 +285,30 @@ std::optional<Request> decodeRequest(std::span<const std::byte> block, std::endi
         return std::nullopt;
     }
     Request request;
-    request.type = readNumber(block.subspan(0, 4), order);
-    request.set = readNumber(block.subspan(4, 4), order);
-    request.length = readNumber(block.subspan(8, 4), order);
+    request.type = wordAt(block, 0, order);
+    request.set = wordAt(block, 4, order);
+    request.length = wordAt(block, 8, order);
     request.layout = findMessage(request.type);
     Decoder(request, block.subspan(kHeaderSize), order).run();
     return request;
+}
+
+bool isWithoutMeaning(const Request &request)
+{
+    constexpr std::uint32_t kDomainType = 0;
+    constexpr std::uint32_t kRadiusServerType = 63;
+    // A server group of an unknown type goes out as a block that was not filled.
+    const bool unfilled =
+        request.type == kDomainType && request.length == 0 && request.fields.empty();
+    // A walk over no RADIUS changes ends with a record of nobody.
+    const bool nobody = request.type == kRadiusServerType && request.fits &&
+                        std::ranges::all_of(request.fields, isZero);
+    return unfilled || nobody;
+}
+
+bool isGroupType(const FieldLayout &field)
+{
+    return field.name.ends_with("].groupType");
 }
 
 std::string fieldText(const Field &field)
@@ -269,14 +331,14 @@ std::string fieldText(const Field &field)
 
 std::string_view groupTypeMeaning(const Request &method_list, std::uint32_t type)
 {
-    constexpr std::string_view kAuthentication[] = {"unset", "unknown", "tacacs-group",
+    constexpr std::string_view kAuthentication[] = {"unset", kUnknown, "tacacs-group",
                                                     "radius-group"};
     constexpr std::string_view kAccounting[] = {"unset", "none", "radius-group", "tacacs-group"};
     const bool accounting = std::ranges::any_of(method_list.fields, [](const Field &field) {
         return field.layout->name == "methodKind" && field.number == kMethodKinds[1].number;
     });
     const auto &meanings = accounting ? kAccounting : kAuthentication;
-    return type < std::size(meanings) ? meanings[type] : "unknown";
+    return type < std::size(meanings) ? meanings[type] : kUnknown;
 }
 
 bool isSecret(const MessageLayout *layout, std::size_t offset)

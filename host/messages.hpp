@@ -54,7 +54,6 @@ struct MessageLayout {
     std::span<const FieldLayout> fields; // without gaps, in order
 };
 
-std::span<const MessageLayout> messageLayouts();
 // Null for a type that is never sent.
 const MessageLayout *findMessage(std::uint32_t type);
 
@@ -74,14 +73,22 @@ struct Request {
     bool fits = true;                      // the type is known, and the length is right for it
 };
 
-// Decodes a parameter block. None when it is shorter than its header. Fields
-// that the payload is too short for are left out.
+// The 32-bit word at `offset`, which is there.
+std::uint32_t wordAt(std::span<const std::byte> bytes, std::size_t offset, std::endian order);
+
+// Decodes a parameter block. None when it is shorter than its header. Of a payload
+// that is too short, there are the fields that are whole, and what is left of a text.
 std::optional<Request> decodeRequest(std::span<const std::byte> block,
                                      std::endian order = std::endian::native);
+
+// A request by design without meaning: it is accepted and changes nothing.
+bool isWithoutMeaning(const Request &request);
 
 // The value as text: printable, and with the meaning of a number.
 std::string fieldText(const Field &field);
 
+// Whether it is the type of a group in a method list, whose name comes next.
+bool isGroupType(const FieldLayout &field);
 // What the type of a group means in a method list, "unknown" for nothing; the two
 // kinds number the protocols the other way round.
 std::string_view groupTypeMeaning(const Request &method_list, std::uint32_t type);

@@ -5,8 +5,6 @@
 
 #include <fmt/format.h>
 
-#include "running_state.hpp"
-
 namespace aaanc
 {
 
@@ -38,17 +36,12 @@ Json jsonValue(const Field &field, bool show_keys)
     return isHidden(field, show_keys) ? kHidden : field.text;
 }
 
-bool isGroupType(const Field &field)
-{
-    return field.layout->name.ends_with("].groupType");
-}
-
 // A group of a method list in one line, since there are four of them; those that
 // are not set together in one. Goes on from `field`, the type of a group.
 std::string groupRow(const Request &request, std::vector<Field>::const_iterator &field)
 {
     const auto is_unset = [&](auto each) {
-        return std::distance(each, request.fields.end()) >= 2 && isGroupType(*each) &&
+        return std::distance(each, request.fields.end()) >= 2 && isGroupType(*each->layout) &&
                each->number == 0 && std::next(each)->text.empty();
     };
     const auto first = field;
@@ -67,6 +60,20 @@ std::string groupRow(const Request &request, std::vector<Field>::const_iterator 
                                          textValue(*std::next(first), false)));
 }
 
+std::string fieldRows(const Request &request, bool show_keys)
+{
+    std::string text;
+    for (auto field = request.fields.begin(); field != request.fields.end();) {
+        if (isGroupType(*field->layout) && std::next(field) != request.fields.end()) {
+            text += groupRow(request, field);
+        } else {
+            text += requestRow(field->layout->name, textValue(*field, show_keys));
+            ++field;
+        }
+    }
+    return text;
+}
+
 } // namespace
 
 std::string requestRow(std::string_view name, std::string_view value)
@@ -77,18 +84,9 @@ std::string requestRow(std::string_view name, std::string_view value)
 
 std::string requestRows(const Request &request, bool show_keys)
 {
-    std::string text;
-    if (isWithoutMeaning(request)) {
-        return requestRow("all fields", request.fields.empty() ? "missing" : "zero");
-    }
-    for (auto field = request.fields.begin(); field != request.fields.end();) {
-        if (isGroupType(*field) && std::next(field) != request.fields.end()) {
-            text += groupRow(request, field);
-        } else {
-            text += requestRow(field->layout->name, textValue(*field, show_keys));
-            ++field;
-        }
-    }
+    std::string text = !isWithoutMeaning(request) ? fieldRows(request, show_keys)
+                       : request.fields.empty()   ? requestRow("all fields", "missing")
+                                                  : requestRow("all fields", "zero");
     for (const std::string &problem : request.problems) {
         text += requestRow("problem", problem);
     }

@@ -13,9 +13,6 @@
 namespace aaanc
 {
 
-// A request by design without meaning: it is accepted and changes nothing.
-bool isWithoutMeaning(const Request &request);
-
 class RunningState
 {
 public:

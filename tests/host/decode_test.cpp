@@ -110,6 +110,55 @@ TEST_P(GoldenDump, TellsEachByteThatIsNotZero)
     }
 }
 
+// Every number that stands for something is given a value that stands for nothing.
+TEST_P(GoldenDump, TellsEachNumberThatMeansNothing)
+{
+    const Dump dump =
+        readDump("golden", readText(std::string(AAANC_GOLDEN) + "/" + GetParam() + ".hex"));
+    const auto order = GetParam().ends_with(".big") ? std::endian::big : std::endian::little;
+    const std::optional<Request> whole = decodeRequest(dump.bytes, order);
+    for (const FieldLayout &field : whole->layout->fields) {
+        if (field.meanings.empty() && !isGroupType(field)) {
+            continue;
+        }
+        Bytes spoilt = dump.bytes;
+        const std::size_t last = order == std::endian::big ? field.size - 1 : 0;
+        spoilt[kHeaderSize + field.offset + last] = std::byte{99}; // 0x63
+        const std::string name(field.name);
+        EXPECT_EQ(decodeRequest(spoilt, order)->problems,
+                  std::vector{field.bits ? name + " has bits that mean nothing: 0x03"
+                                         : name + " is 99, which means nothing"});
+    }
+}
+
+// Of a payload that ends too early, all is told that is there.
+TEST_P(GoldenDump, IsDecodedAsFarAsItGoes)
+{
+    const Dump dump =
+        readDump("golden", readText(std::string(AAANC_GOLDEN) + "/" + GetParam() + ".hex"));
+    const auto order = GetParam().ends_with(".big") ? std::endian::big : std::endian::little;
+    const std::optional<Request> whole = decodeRequest(dump.bytes, order);
+    for (std::size_t size = 0; size < whole->length; ++size) {
+        const std::optional<Request> cut =
+            decodeRequest(std::span(dump.bytes).first(kHeaderSize + size), order);
+        EXPECT_EQ(cut->problems.at(0), "the length is " + std::to_string(whole->length) + ", but " +
+                                           std::to_string(size) + " payload bytes follow");
+        std::size_t count = 0;
+        for (const Field &field : whole->fields) {
+            const FieldLayout &layout = *field.layout;
+            const bool text = layout.kind == FieldKind::Text;
+            if (layout.offset + (text ? 1 : layout.size) > size) {
+                break;
+            }
+            ASSERT_LT(count, cut->fields.size());
+            EXPECT_EQ(cut->fields[count].number, field.number);
+            EXPECT_EQ(cut->fields[count].text, field.text.substr(0, size - layout.offset));
+            ++count;
+        }
+        EXPECT_EQ(cut->fields.size(), count);
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(All, GoldenDump, testing::ValuesIn(namesOf(AAANC_GOLDEN, ".hex")),
                          testName);
 
