@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <chrono>
 #include <csignal>
+#include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <span>
@@ -11,6 +12,7 @@
 
 #include <fcntl.h>
 #include <fmt/format.h>
+#include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 #include <spawn.h>
 #include <sys/wait.h>
@@ -27,6 +29,8 @@ namespace
 {
 
 using Block = std::span<const std::byte>;
+
+constexpr const char *kReports = "tsan"; // files that ThreadSanitizer adds a process id to
 
 std::string hexOf(Block block)
 {
@@ -126,9 +130,14 @@ Parameter ServiceInProcess::answer(const CmfRequest &request)
     return random_.percent(15) ? random_.oneOf(kOddReplies) : answer;
 }
 
-ServiceAlone::ServiceAlone(std::string path, std::filesystem::path directory)
-    : path_(std::move(path)), directory_(std::move(directory))
+ServiceAlone::ServiceAlone(std::string program, std::string path, std::filesystem::path directory)
+    : program_(std::move(program)), path_(std::move(path)), directory_(std::move(directory))
 {
+    // A process that is killed has no exit status to tell of a race by.
+    const char *others = std::getenv("TSAN_OPTIONS");
+    const std::string reports = directory_ / kReports;
+    setenv("TSAN_OPTIONS",
+           fmt::format("{}:log_path={}", others != nullptr ? others : "", reports).c_str(), 1);
 }
 
 ServiceAlone::~ServiceAlone()
@@ -144,8 +153,8 @@ std::filesystem::path ServiceAlone::recordsOf(std::size_t life) const
 void ServiceAlone::start()
 {
     constexpr auto kPatience = std::chrono::seconds(60);
-    std::string words[] = {AAANC_EXECUTABLE, "service", "--socket",   path_,
-                           "--json",         "--hex",   "--show-keys"};
+    std::string words[] = {program_, "service", "--socket",   path_,
+                           "--json", "--hex",   "--show-keys"};
     std::vector<char *> arguments;
     for (std::string &word : words) {
         arguments.push_back(word.data());
@@ -156,11 +165,11 @@ void ServiceAlone::start()
     posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, recordsOf(++lives_).c_str(),
                                      O_WRONLY | O_CREAT | O_TRUNC, 0600);
     const int error =
-        posix_spawn(&process_, words[0].c_str(), &actions, nullptr, arguments.data(), environ);
+        posix_spawn(&process_, program_.c_str(), &actions, nullptr, arguments.data(), environ);
     posix_spawn_file_actions_destroy(&actions);
     if (error != 0) {
         process_ = -1;
-        throw std::runtime_error(fmt::format("{}: {}", words[0], std::strerror(error)));
+        throw std::runtime_error(fmt::format("{}: {}", program_, std::strerror(error)));
     }
     const auto end = std::chrono::steady_clock::now() + kPatience;
     while (!connectTo(path_, kPatience)) {
@@ -171,12 +180,33 @@ void ServiceAlone::start()
     }
 }
 
+int ServiceAlone::endBy(int signal)
+{
+    int status = 0;
+    ::kill(process_, signal);
+    waitpid(std::exchange(process_, -1), &status, 0);
+    return status;
+}
+
 void ServiceAlone::kill()
 {
     if (process_ > 0) {
-        ::kill(process_, SIGKILL);
-        waitpid(process_, nullptr, 0);
-        process_ = -1;
+        const int status = endBy(SIGKILL);
+        EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL)
+            << "aaanc service ended by itself, with status " << status;
+    }
+}
+
+void ServiceAlone::end()
+{
+    ASSERT_GT(process_, 0);
+    const int status = endBy(SIGTERM);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 128 + SIGTERM)
+        << "aaanc service ended with status " << status;
+    for (const auto &file : std::filesystem::directory_iterator(directory_)) {
+        if (file.path().stem() == kReports) {
+            ADD_FAILURE() << std::ifstream(file.path()).rdbuf();
+        }
     }
 }
 

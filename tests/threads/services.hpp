@@ -36,6 +36,8 @@ public:
     virtual void start() = 0;
     // Whatever it is doing.
     virtual void kill() = 0;
+    // In an orderly way. A test fails where there was something wrong in any life.
+    virtual void end() = 0;
     [[nodiscard]] virtual Served served() const = 0;
 };
 
@@ -47,6 +49,10 @@ public:
     ~ServiceInProcess() override;
     void start() override;
     void kill() override;
+    void end() override
+    {
+        kill();
+    }
     [[nodiscard]] Served served() const override
     {
         return served_;
@@ -63,20 +69,24 @@ private:
     std::jthread thread_;
 };
 
-// A process that runs `aaanc service`, killed by SIGKILL. It leaves its records
-// in `directory`.
+// A process that runs `program` as `aaanc service`, killed by SIGKILL. It leaves
+// its records in `directory`, and what ThreadSanitizer has to say of it.
 class ServiceAlone : public Service
 {
 public:
-    ServiceAlone(std::string path, std::filesystem::path directory);
+    ServiceAlone(std::string program, std::string path, std::filesystem::path directory);
     ~ServiceAlone() override;
     void start() override;
     void kill() override;
+    void end() override;
     [[nodiscard]] Served served() const override;
 
 private:
     [[nodiscard]] std::filesystem::path recordsOf(std::size_t life) const;
+    // The status that the process ends with, as waitpid() gives it.
+    int endBy(int signal);
 
+    std::string program_;
     std::string path_;
     std::filesystem::path directory_;
     std::size_t lives_ = 0;

@@ -31,6 +31,7 @@ constexpr std::size_t kCallersPerCallback = 3;
 
 struct Options {
     std::string plugin = AAANC_PLUGIN;
+    std::string service = AAANC_EXECUTABLE;
     std::size_t kills = 8;
     std::uint64_t seed = 1;
 } options;
@@ -145,7 +146,7 @@ void runWith(Service &service, const std::string &name, const std::string &socke
     setCmfEndpoint(&endpoint);
     const Tally tally = playUntil([&] { killAgainAndAgain(service); });
     setCmfEndpoint(nullptr);
-    service.kill();
+    service.end();
 
     EXPECT_EQ(entriesOf("/proc/self/fd"), descriptors);
     EXPECT_EQ(entriesOf("/proc/self/task"), threads);
@@ -175,7 +176,7 @@ TEST(Threads, Alone)
 {
     const TemporaryPlace place;
     const std::string socket = place.path() / "aaa";
-    ServiceAlone service(socket, place.path());
+    ServiceAlone service(options.service, socket, place.path());
     runWith(service, "service as a process of its own", socket);
 }
 
@@ -195,6 +196,10 @@ bool readOption(std::string_view argument)
         options.plugin = value;
         return !value.empty();
     }
+    if (name == "--service") {
+        options.service = value;
+        return !value.empty();
+    }
     return (name == "--kills" && readNumber(value, options.kills)) ||
            (name == "--seed" && readNumber(value, options.seed));
 }
@@ -208,7 +213,9 @@ int main(int argc, char **argv)
     testing::InitGoogleTest(&argc, argv);
     for (int i = 1; i < argc; ++i) {
         if (!aaanc::test::readOption(argv[i])) {
-            fmt::print(stderr, "usage: threads_test [--plugin=PATH] [--kills=N] [--seed=N]\n");
+            fmt::print(
+                stderr,
+                "usage: threads_test [--plugin=PATH] [--service=PATH] [--kills=N] [--seed=N]\n");
             return 2;
         }
     }
