@@ -110,7 +110,7 @@ TEST(Docs, ShowTheEndOfTheDemo)
     ASSERT_NE(begin, std::string::npos);
     const std::string shown = page.substr(begin, page.find(kFence, begin) - begin);
     const Outcome outcome =
-        runAtRoot({"apply", "--startup", "examples/startup.xml", "examples/edit.xml"});
+        runAtRoot({"apply", "--startup", "examples/switch.xml", "examples/edit.xml"});
     EXPECT_TRUE(outcome.output.ends_with(shown)) << outcome.output << outcome.errors;
 }
 

@@ -108,7 +108,7 @@ INSTANTIATE_TEST_SUITE_P(All, Recorded, testing::ValuesIn(allRecorded()), testNa
 TEST(Record, TheExamplesAreReplayedAsTheyAreApplied)
 {
     expectSameReplayed({"apply", "--json", "--hex", "--show-keys", "--startup",
-                        AAANC_EXAMPLES "/startup.xml", AAANC_EXAMPLES "/edit.xml"});
+                        AAANC_EXAMPLES "/switch.xml", AAANC_EXAMPLES "/edit.xml"});
 }
 
 using Random = std::mt19937;
