@@ -17,19 +17,19 @@
 #include <sys/un.h>
 #include <unistd.h>
 
+#include "printable.hpp"
+
 namespace aaanc
 {
 
 namespace
 {
 
-constexpr std::uint32_t kSet = 3;
-constexpr std::uint32_t kUndo = 4;
 constexpr int kBacklog = 64;
 
 [[noreturn]] void failWith(const std::string &path, const std::string &reason)
 {
-    throw std::runtime_error(fmt::format("{}: {}", path, reason));
+    throw std::runtime_error(fmt::format("{}: {}", printable(path), reason));
 }
 
 // Removes a socket that nobody listens on any more.
@@ -45,16 +45,17 @@ void removeStale(const std::string &path)
     if (connectTo(path, std::chrono::milliseconds(200))) {
         failWith(path, "a service is listening there already");
     }
+    if (errno != ECONNREFUSED) { // whoever listens is of another kind, or busy
+        failWith(path, std::string("a socket is there already: ") + std::strerror(errno));
+    }
     unlink(path.c_str());
 }
 
 Descriptor listenAt(const std::string &path)
 {
+    checkSocketPath(path);
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
-    if (path.empty() || path.size() >= sizeof address.sun_path) {
-        failWith(path, "is no path for a socket: too long or empty");
-    }
     path.copy(address.sun_path, path.size());
     removeStale(path);
     Descriptor listening(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
@@ -70,6 +71,26 @@ Descriptor listenAt(const std::string &path)
         failWith(path, std::strerror(errno));
     }
     return listening;
+}
+
+// The socket that has just been bound.
+SocketFile fileAt(const std::string &path)
+{
+    struct stat status {
+    };
+    if (lstat(path.c_str(), &status) != 0) {
+        failWith(path, std::strerror(errno));
+    }
+    return {path, status.st_dev, status.st_ino};
+}
+
+Descriptor makeEvent()
+{
+    Descriptor event(eventfd(0, EFD_CLOEXEC));
+    if (!event) {
+        throw std::runtime_error(fmt::format("eventfd: {}", std::strerror(errno)));
+    }
+    return event;
 }
 
 using Clock = std::chrono::steady_clock;
@@ -96,16 +117,38 @@ Parameter RequestHandler::answer(const CmfRequest &request)
     return makeReply(judge(request));
 }
 
+std::string malformationOf(const CmfRequest &request, const std::optional<Request> &decoded)
+{
+    const std::size_t size = request.parameter.data.size();
+    if (!decoded) {
+        return fmt::format("{} bytes, fewer than the {} of a header", size, kHeaderSize);
+    }
+    const ObjectRecord &object = request.object;
+    if (object.type != decoded->type) {
+        return fmt::format("the object record has message type {}, the parameter {}", object.type,
+                           decoded->type);
+    }
+    const std::uint32_t operation = decoded->set != 0 ? kOperationSet : kOperationUndo;
+    if (object.operation != operation) {
+        return fmt::format("the object record has operation {}; for {} it is {}", object.operation,
+                           decoded->set != 0 ? "set" : "undo", operation);
+    }
+    if (object.zero != 0) {
+        return fmt::format("the last word of the object record is {}, not 0", object.zero);
+    }
+    if (decoded->fits || isWithoutMeaning(*decoded)) {
+        return {};
+    }
+    return decoded->layout == nullptr
+               ? fmt::format("no message is of type {}", decoded->type)
+               : fmt::format("length {} and {} bytes of payload; type {} has {}", decoded->length,
+                             size - kHeaderSize, decoded->type, decoded->layout->length);
+}
+
 std::uint32_t RequestHandler::judge(const CmfRequest &request)
 {
     const std::optional<Request> decoded = decodeRequest(request.parameter.data);
-    if (!decoded) {
-        return kServiceMalformed;
-    }
-    const ObjectRecord &object = request.object;
-    const bool object_fits = object.type == decoded->type && object.zero == 0 &&
-                             object.operation == (decoded->set != 0 ? kSet : kUndo);
-    if (!object_fits || (!decoded->fits && !isWithoutMeaning(*decoded))) {
+    if (!malformationOf(request, decoded).empty()) {
         return kServiceMalformed;
     }
     state_.accept(*decoded, count_);
@@ -143,14 +186,17 @@ Treatment RequestHandler::treat(const CmfRequest &request)
     return treatment;
 }
 
-bool RequestHandler::closesNext()
+const Misbehaviour *RequestHandler::closesNext()
 {
-    const bool closes = std::ranges::any_of(rules_, [this](const Misbehaviour &rule) {
+    const auto found = std::ranges::find_if(rules_, [this](const Misbehaviour &rule) {
         return rule.manner == Manner::CloseBefore &&
                rule.request.value_or(count_ + 1) == count_ + 1;
     });
-    count_ += closes ? 1 : 0;
-    return closes;
+    if (found == rules_.end()) {
+        return nullptr;
+    }
+    ++count_;
+    return &*found;
 }
 
 bool RequestHandler::isAway() const
@@ -160,13 +206,21 @@ bool RequestHandler::isAway() const
     });
 }
 
-ServiceSocket::ServiceSocket(std::string path, Answer answer, ClosesNext closes_next)
-    : path_(std::move(path)), answer_(std::move(answer)), closes_next_(std::move(closes_next)),
-      listening_(listenAt(path_)), stopping_(eventfd(0, EFD_CLOEXEC))
+void SocketFile::remove() const
 {
-    if (!stopping_) {
-        failWith(path_, std::strerror(errno));
+    struct stat status {
+    };
+    if (lstat(path.c_str(), &status) == 0 && status.st_dev == device && status.st_ino == inode) {
+        unlink(path.c_str());
     }
+}
+
+ServiceSocket::ServiceSocket(const std::string &path, Answer answer, ClosesNext closes_next,
+                             Malformed malformed)
+    : answer_(std::move(answer)), closes_next_(std::move(closes_next)),
+      malformed_(std::move(malformed)), stopping_(makeEvent()), listening_(listenAt(path)),
+      file_(fileAt(path))
+{
 }
 
 ServiceSocket::~ServiceSocket()
@@ -253,6 +307,9 @@ private:
             return false;
         }
         const std::optional<CmfRequest> request = unpackRequest(*packet);
+        if (!request) {
+            service_.malformed_(*packet);
+        }
         Treatment treatment = request ? service_.answer_(*request) : makeReply(kServiceMalformed);
         if (treatment.leaves) {
             service_.leave();
@@ -279,7 +336,7 @@ void ServiceSocket::stop()
 void ServiceSocket::leave()
 {
     if (listening_) {
-        unlink(path_.c_str());
+        file_.remove();
         listening_ = Descriptor();
     }
 }

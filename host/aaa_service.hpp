@@ -5,8 +5,11 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
+
+#include <sys/types.h>
 
 #include "cmf_wire.hpp"
 #include "messages.hpp"
@@ -19,6 +22,10 @@ namespace aaanc
 // What the service answers with, besides 0. None of the codes that the plug-in
 // gives a meaning to.
 constexpr std::uint32_t kServiceMalformed = 22; // a request that is not as it should be
+
+// Why a request is not as it should be; empty where it is. `decoded` is what its
+// block says.
+std::string malformationOf(const CmfRequest &request, const std::optional<Request> &decoded);
 
 // What happens to a request.
 struct Treatment {
@@ -44,8 +51,14 @@ public:
     Parameter answer(const CmfRequest &request);
     // The same, as the rules want it.
     Treatment treat(const CmfRequest &request);
-    // Whether the rules want the next request's connection closed at once; if so, that was it.
-    bool closesNext();
+    // The rule that wants the next request's connection closed at once, null for none; if
+    // there is one, that was the request.
+    const Misbehaviour *closesNext();
+    // Counts a packet that is no request.
+    void countMalformed()
+    {
+        ++count_;
+    }
     // Whether the rules want nobody to listen for the next request.
     [[nodiscard]] bool isAway() const;
 
@@ -66,18 +79,30 @@ private:
 // The bytes of a reply: result code, length of further data, no data.
 Parameter makeReply(std::uint32_t result);
 
+// A socket that has been made in the file system.
+struct SocketFile {
+    std::string path;
+    dev_t device;
+    ino_t inode;
+
+    // Unless another file stands there by now.
+    void remove() const;
+};
+
 // Serves connections until stop(). One is closed at once where `closes_next` says so. A packet that
-// is no request is answered kServiceMalformed without asking. The socket is the owner's alone (mode
-// 0600), and is removed in the end. A stale one at `path` is replaced; throws std::runtime_error
-// where something else is there or no socket can be made.
+// is no request is answered kServiceMalformed without asking, and told to `malformed`. The socket
+// is the owner's alone (mode 0600), and is removed in the end. One at `path` that nobody listens on
+// is replaced; throws std::runtime_error where something else is there or no socket can be made.
 class ServiceSocket
 {
 public:
     using Answer = std::function<Treatment(const CmfRequest &request)>;
     using ClosesNext = std::function<bool()>;
+    using Malformed = std::function<void(const Bytes &packet)>;
 
     ServiceSocket(
-        std::string path, Answer answer, ClosesNext closes_next = [] { return false; });
+        const std::string &path, Answer answer, ClosesNext closes_next = [] { return false; },
+        Malformed malformed = [](const Bytes &) {});
     ~ServiceSocket();
     ServiceSocket(const ServiceSocket &) = delete;
     ServiceSocket &operator=(const ServiceSocket &) = delete;
@@ -89,15 +114,20 @@ public:
     // Goes away: nobody can connect any more. Connections that there are stay. Not
     // while another thread serves.
     void leave();
+    [[nodiscard]] const SocketFile &file() const
+    {
+        return file_;
+    }
 
 private:
     class Server;
 
-    std::string path_;
     Answer answer_;
     ClosesNext closes_next_;
-    Descriptor listening_; // until it has left
+    Malformed malformed_;
     Descriptor stopping_;  // an eventfd
+    Descriptor listening_; // until it has left
+    SocketFile file_;
 };
 
 } // namespace aaanc

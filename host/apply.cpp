@@ -9,6 +9,7 @@
 #include "document.hpp"
 #include "edit.hpp"
 #include "input_error.hpp"
+#include "input_file.hpp"
 #include "reporter.hpp"
 
 namespace aaanc
@@ -46,13 +47,22 @@ Plan makePlan(const ApplyOptions &options)
     return plan;
 }
 
-// A recording takes the place of a file that is there, but not of an input.
-void refuseToReplaceInput(const ApplyOptions &options)
+std::vector<std::filesystem::path> inputsOf(const ApplyOptions &options)
 {
     std::vector<std::filesystem::path> inputs = options.edits;
     if (options.startup) {
         inputs.push_back(*options.startup);
     }
+    return inputs;
+}
+
+// A recording takes the place of a file that is there, but not of one that the run
+// is made of.
+void refuseToReplaceInput(const ApplyOptions &options)
+{
+    std::vector<std::filesystem::path> inputs = inputsOf(options);
+    inputs.push_back(options.plugin);
+    inputs.push_back(options.yang / "orvek-aaa.yang");
     for (const std::filesystem::path &input : inputs) {
         std::error_code not_there;
         if (options.record && std::filesystem::equivalent(*options.record, input, not_there)) {
@@ -94,6 +104,7 @@ std::string tell(const ApplyOptions &options, Plan &plan, Delivery &delivery, Re
 
 int apply(const ApplyOptions &options, TerminationGuard &guard)
 {
+    refuseStandardInputTwice(inputsOf(options));
     refuseToReplaceInput(options);
     Plan plan = makePlan(options);
     return runPlugin(options, guard, [&](Delivery &delivery, Reporter &reporter) {

@@ -1,6 +1,12 @@
 #include "cmf_client.hpp"
 
+#include <cerrno>
+#include <cstring>
 #include <utility>
+
+#include <fmt/format.h>
+
+#include "printable.hpp"
 
 namespace aaanc
 {
@@ -31,7 +37,12 @@ CmfClient::CmfClient(const CmfEndpoint &endpoint) : endpoint_(endpoint)
 {
     doStep(CmfStep::Connect, [this] {
         connection_ = connectTo(endpoint_.socket_path, endpoint_.time_limit);
-        return connection_ ? kCmfDone : kCmfClosed;
+        if (connection_) {
+            return kCmfDone;
+        }
+        exchange_.failure =
+            fmt::format("{}: {}", printable(endpoint_.socket_path), std::strerror(errno));
+        return kCmfClosed;
     });
 }
 

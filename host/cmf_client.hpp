@@ -30,6 +30,7 @@ struct Exchange {
     CmfRequest request;
     CmfStep step = CmfStep::Connect; // the one that failed, or Done
     int code = kCmfDone;             // of that step
+    std::string failure;             // to connect: where, and why
     Parameter reply{};               // when Done
 };
 

@@ -2,12 +2,16 @@
 
 #include <cerrno>
 #include <cstring>
+#include <stdexcept>
 
+#include <fmt/format.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <sys/time.h>
 #include <sys/un.h>
 #include <unistd.h>
+
+#include "printable.hpp"
 
 namespace aaanc
 {
@@ -16,6 +20,7 @@ namespace
 {
 
 constexpr std::size_t kWord = sizeof(std::uint32_t);
+constexpr std::size_t kMaxSocketPath = sizeof(sockaddr_un::sun_path) - 1;
 
 void putWord(Bytes &packet, std::uint32_t word)
 {
@@ -90,7 +95,9 @@ std::optional<Parameter> unpackReply(std::span<const std::byte> packet)
 Descriptor::~Descriptor()
 {
     if (number_ >= 0) {
+        const int error = errno;
         close(number_);
+        errno = error;
     }
 }
 
@@ -111,11 +118,23 @@ bool waitReadable(const Descriptor &socket, std::chrono::milliseconds limit)
     }
 }
 
+void checkSocketPath(const std::string &path)
+{
+    if (path.empty()) {
+        throw std::runtime_error("the path of the socket is empty");
+    }
+    if (path.size() > kMaxSocketPath) {
+        throw std::runtime_error(fmt::format("{}: longer than the {} bytes of a socket's path",
+                                             printable(path), kMaxSocketPath));
+    }
+}
+
 std::optional<Descriptor> connectTo(const std::string &path, std::chrono::milliseconds limit)
 {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
-    if (path.size() >= sizeof address.sun_path) {
+    if (path.empty() || path.size() > kMaxSocketPath) {
+        errno = EINVAL;
         return std::nullopt;
     }
     path.copy(address.sun_path, path.size());

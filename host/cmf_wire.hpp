@@ -33,10 +33,14 @@ struct Parameter {
     Bytes data;
 };
 
+// The operations of an object record.
+constexpr std::uint32_t kOperationSet = 3;
+constexpr std::uint32_t kOperationUndo = 4;
+
 // What CMF_ClientContextObjSet() is given.
 struct ObjectRecord {
-    std::uint32_t type = 0;      // the message type
-    std::uint32_t operation = 0; // 3 set, 4 undo
+    std::uint32_t type = 0; // the message type
+    std::uint32_t operation = 0;
     std::uint32_t zero = 0;
 };
 
@@ -51,7 +55,7 @@ Bytes packReply(const Parameter &reply);
 std::optional<CmfRequest> unpackRequest(std::span<const std::byte> packet);
 std::optional<Parameter> unpackReply(std::span<const std::byte> packet);
 
-// A file descriptor that is closed in the end.
+// A file descriptor that is closed in the end. That leaves errno as it is.
 class Descriptor
 {
 public:
@@ -87,7 +91,11 @@ private:
 // Waits for data, or the end of the peer; false when `limit` has passed.
 bool waitReadable(const Descriptor &socket, std::chrono::milliseconds limit);
 
-// Connects to the service at `path`, within `limit`. None if that fails.
+// Throws std::runtime_error for what no socket can have as its path: nothing, or too
+// much.
+void checkSocketPath(const std::string &path);
+// Connects to the service at `path`, within `limit`. None if that fails: errno says
+// why.
 std::optional<Descriptor> connectTo(const std::string &path, std::chrono::milliseconds limit);
 bool sendPacket(const Descriptor &socket, std::span<const std::byte> packet);
 // The next packet; none at the end of the connection. An empty packet is none, too.

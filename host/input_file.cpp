@@ -1,12 +1,14 @@
 #include "input_file.hpp"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <fstream>
-#include <iostream>
 
+#include <fcntl.h>
 #include <fmt/format.h>
+#include <unistd.h>
 
+#include "cmf_wire.hpp"
 #include "input_error.hpp"
 
 namespace aaanc
@@ -15,42 +17,51 @@ namespace aaanc
 namespace
 {
 
-// Far above the configuration of any switch; a file of this size still takes
-// only seconds.
-constexpr std::size_t kMaxFileSize = std::size_t{16} << 20U;
+constexpr const char *kStandardInput = "-";
 
 } // namespace
 
 std::string inputName(const std::filesystem::path &file)
 {
-    return file == "-" ? "standard input" : file.string();
+    return file == kStandardInput ? "standard input" : file.string();
 }
 
-std::string readInput(const std::filesystem::path &file)
+std::string readInput(const std::filesystem::path &file, std::size_t limit)
 {
-    const std::string name = inputName(file);
-    std::ifstream stream;
-    if (file != "-") {
-        if (std::filesystem::is_directory(file)) {
-            throw InputError(name, 0, "", "is a directory");
-        }
-        stream.open(file, std::ios::binary);
-        if (!stream) {
-            throw InputError(name, 0, "", std::strerror(errno));
+    const auto fail = [&](const std::string &reason) {
+        throw InputError(inputName(file), 0, "", reason);
+    };
+    Descriptor opened;
+    if (file != kStandardInput) {
+        opened = Descriptor(open(file.c_str(), O_RDONLY | O_CLOEXEC));
+        if (!opened) {
+            fail(std::strerror(errno));
         }
     }
-    std::istream &input = file == "-" ? std::cin : stream;
     std::string text;
     std::string chunk(std::size_t{1} << 16U, '\0');
-    while (input.read(chunk.data(), static_cast<std::streamsize>(chunk.size())),
-           input.gcount() > 0) {
-        text.append(chunk, 0, static_cast<std::size_t>(input.gcount()));
-        if (text.size() > kMaxFileSize) {
-            throw InputError(name, 0, "",
-                             fmt::format("larger than {} MiB", kMaxFileSize / (1U << 20U)));
+    while (true) {
+        const ssize_t size =
+            read(opened ? opened.number() : STDIN_FILENO, chunk.data(), chunk.size());
+        if (size == 0) {
+            return text;
+        }
+        if (size > 0) {
+            text.append(chunk, 0, static_cast<std::size_t>(size));
+        } else if (errno != EINTR) {
+            fail(errno == EISDIR ? "is a directory" : std::strerror(errno));
+        }
+        if (text.size() > limit) {
+            fail(fmt::format("larger than {} MiB", limit >> 20U));
         }
     }
-    return text;
+}
+
+void refuseStandardInputTwice(const std::vector<std::filesystem::path> &files)
+{
+    if (std::ranges::count(files, std::filesystem::path(kStandardInput)) > 1) {
+        throw InputError(inputName(kStandardInput), 0, "", "is named twice");
+    }
 }
 
 } // namespace aaanc

@@ -4,6 +4,7 @@
 
 #include "hex.hpp"
 #include "request_text.hpp"
+#include "standard_streams.hpp"
 #include "writers.hpp"
 
 namespace aaanc
@@ -20,6 +21,11 @@ public:
     JsonWriter(const OutputOptions &options, std::FILE *output) : options_(options), output_(output)
     {
         write({{"record", "run"}, {"format", kJsonFormat}});
+    }
+
+    void listening(std::string_view socket) override
+    {
+        write({{"record", "listening"}, {"socket", socket}});
     }
 
     void stage(const StageRecord &record) override
@@ -44,6 +50,9 @@ public:
         }
         line["answer"] = {{"result", record.answer.result ? Json(*record.answer.result) : Json()},
                           {"text", record.answer.text}};
+        if (!record.answer.reason.empty()) {
+            line["answer"]["reason"] = record.answer.reason;
+        }
         if (options_.hex) {
             line["hex"] = hexText(record.block, [&](std::size_t offset) {
                 return !options_.show_keys && record.decoded &&
@@ -96,9 +105,7 @@ private:
     void write(const Json &line)
     {
         // A text that is not UTF-8 has its odd bytes replaced; its bytes are in "hex".
-        const std::string text = line.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
-        std::fwrite(text.data(), 1, text.size(), output_);
-        std::fflush(output_);
+        writeOutput(output_, line.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n");
     }
 
     OutputOptions options_;

@@ -1,7 +1,10 @@
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <exception>
+#include <sstream>
 #include <string>
 
 #include <CLI/CLI.hpp>
@@ -13,6 +16,7 @@
 #include "printable.hpp"
 #include "replay.hpp"
 #include "service.hpp"
+#include "standard_streams.hpp"
 #include "sysrepo.h"
 
 namespace
@@ -27,36 +31,44 @@ void addOutputOptions(CLI::App &command, aaanc::OutputOptions &output)
     command.add_flag("--show-keys", output.show_keys, "Show shared keys, instead of ****");
 }
 
-void addMisbehaviour(CLI::App &command, std::vector<aaanc::Misbehaviour> &rules)
+CLI::Option *addMisbehaviour(CLI::App &command, std::vector<aaanc::Misbehaviour> &rules)
 {
-    command
-        .add_option_function<std::vector<std::string>>(
-            "--misbehave",
-            [&rules](const std::vector<std::string> &texts) {
-                for (const std::string &text : texts) {
-                    try {
-                        rules.push_back(aaanc::parseMisbehaviour(text));
-                    } catch (const std::invalid_argument &error) {
-                        throw CLI::ValidationError("--misbehave", error.what());
-                    }
+    CLI::Option *misbehave = command.add_option_function<std::vector<std::string>>(
+        "--misbehave",
+        [&rules](const std::vector<std::string> &texts) {
+            for (const std::string &text : texts) {
+                try {
+                    rules.push_back(aaanc::parseMisbehaviour(text));
+                } catch (const std::invalid_argument &error) {
+                    throw CLI::ValidationError("--misbehave", error.what());
                 }
-            },
-            "How the AAA service misbehaves; again for more, of which the first that fits counts")
-        ->type_name("'[request N: | type T: ]MANNER'")
-        ->allow_extra_args(false);
-    command.footer("Ways to misbehave, at every request, at the n-th or at those of a type:\n" +
-                   aaanc::mannersHelp() +
-                   "Of requests that are refused or not answered nothing is kept.\n\n"
-                   "Examples of --misbehave:\n"
-                   "  'request 3: refuse 43'   the third request is refused with code 43\n"
-                   "  'type 30: silent'        no answer for any TACACS server\n"
-                   "  'late 2.5'               every answer comes 2.5 seconds late\n"
-                   "  'request 1: away'        there is no service");
+            }
+        },
+        "How the AAA service misbehaves; again for more, of which the first that fits counts");
+    misbehave->type_name("'[request N: | type T: ]MANNER'")->allow_extra_args(false);
+    command.footer(
+        "Ways to misbehave, at every request, at the n-th or at those of a type:\n" +
+        aaanc::mannersHelp() +
+        "Nothing is kept of a request that is met by refuse, silent, close, close-before\n"
+        "or away. What the service accepts of the others is kept, though its answer comes\n"
+        "too late or cannot be read.\n\n"
+        "Examples of --misbehave:\n"
+        "  'request 3: refuse 43'   the third request is refused with code 43\n"
+        "  'type 30: silent'        no answer for any TACACS server\n"
+        "  'late 2.5'               every answer comes 2.5 seconds late\n"
+        "  'request 1: away'        there is no service");
+    return misbehave;
 }
 
 void addExamples(CLI::App &command, const std::string &examples)
 {
     command.footer(command.get_footer() + "\n\nExamples:\n" + examples);
+}
+
+// CLI::Range takes it for a number in any range.
+std::string refuseNan(const std::string &text)
+{
+    return std::isnan(std::strtod(text.c_str(), nullptr)) ? text + " is no number of seconds" : "";
 }
 
 // What apply and replay have in common. `seconds` is the time limit.
@@ -67,12 +79,14 @@ void addRunOptions(CLI::App &command, aaanc::RunOptions &options, double &second
                     "Log lines of the plug-in, to standard error: 0 none, 1 errors, 4 all")
         ->check(CLI::Range(0, 4));
     command.add_option("--plugin", options.plugin, "The plug-in")->capture_default_str();
-    command.add_option("--socket", options.socket,
-                       "Socket of an AAA service that runs alone (aaanc service)");
+    CLI::Option *socket = command.add_option(
+        "--socket", options.socket, "Socket of an AAA service that runs alone (aaanc service)");
     command.add_option("--receive-timeout", seconds, "Seconds that an answer may take")
         ->check(CLI::Range(0.001, 86400.0))
+        ->check(refuseNan)
         ->capture_default_str();
-    addMisbehaviour(command, options.misbehaviours);
+    // Another process is told by its own options.
+    addMisbehaviour(command, options.misbehaviours)->excludes(socket);
     addOutputOptions(command, options.output);
 }
 
@@ -89,8 +103,8 @@ CLI::App *addApply(CLI::App &app, aaanc::ApplyOptions &options, double &seconds)
     apply->add_option("EDIT", options.edits,
                       "Files of edits (XML or JSON, - for standard input), committed one by one");
     apply->add_option("--startup", options.startup, "File of the configuration at start-up");
-    apply->add_flag("--no-enabled{false},--enabled", options.enabled,
-                    "Do not tell the plug-in of the start-up configuration");
+    apply->add_flag("--enabled,!--no-enabled", options.enabled,
+                    "Tell the plug-in of the start-up configuration (the default), or do not");
     apply->add_option("--record", options.record,
                       "Write what is delivered into this file, for aaanc replay; shared keys are "
                       "in it");
@@ -174,6 +188,17 @@ int run(int argc, char **argv)
 {
     CLI::App app("Runs the AAA configuration plug-in of a switch off the device.", "aaanc");
     app.require_subcommand(1);
+    app.set_version_flag("--version", "aaanc " AAANC_VERSION);
+    app.failure_message([](const CLI::App *root, const CLI::Error &error) {
+        const auto commands = root->get_subcommands();
+        return fmt::format("{}; see aaanc {}--help", error.what(),
+                           commands.empty() ? "" : commands.front()->get_name() + " ");
+    });
+    app.footer("Examples:\n"
+               "  aaanc apply --startup switch.xml edit.xml   what an edit of a switch asks for\n"
+               "  aaanc replay device.txt                     what a device was told, at the desk\n"
+               "  aaanc service --socket aaa.sock             the AAA service alone\n"
+               "  aaanc COMMAND --help                        the options of a command, examples");
 
     aaanc::ApplyOptions apply_options;
     apply_options.plugin = aaanc::defaultPlugin();
@@ -195,14 +220,21 @@ int run(int argc, char **argv)
     const auto is_first = [=](const CLI::App *command) { return command->get_name() == argv[1]; };
     if (argc > 1 && argv[1][0] != '-' &&
         std::ranges::none_of(app.get_subcommands(nullptr), is_first)) {
-        fmt::print(stderr, "aaanc: unknown command \"{}\"; see aaanc --help\n",
-                   aaanc::printable(argv[1]));
+        aaanc::tellError(
+            fmt::format("unknown command \"{}\"; see aaanc --help", aaanc::printable(argv[1])));
         return kBadInput;
     }
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError &error) {
-        return app.exit(error) == 0 ? 0 : kBadInput;
+        std::ostringstream help;
+        std::ostringstream failure;
+        if (app.exit(error, help, failure) != 0) {
+            aaanc::tellError(failure.str());
+            return kBadInput;
+        }
+        aaanc::writeOutput(stdout, help.str());
+        return 0;
     }
 
     if (*decode) {
@@ -225,9 +257,10 @@ int run(int argc, char **argv)
 int main(int argc, char **argv)
 {
     try {
-        return run(argc, argv);
+        aaanc::holdClosedStreams();
+        return aaanc::endOutput(run(argc, argv));
     } catch (const std::exception &error) {
-        fmt::print(stderr, "aaanc: {}\n", error.what());
+        aaanc::tellError(error.what());
         return kBadInput;
     }
 }

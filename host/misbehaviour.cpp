@@ -98,6 +98,11 @@ void parseManner(std::string_view text, Misbehaviour &rule)
     rule.text = text;
     const std::string_view name = takeUntil(text, ' ');
     const auto *found = std::ranges::find(kManners, name, &MannerName::name);
+    if (found == std::end(kManners) && (name == "request" || name == "type")) {
+        throw std::invalid_argument(fmt::format("\"{}\" lacks the colon between request or type "
+                                                "and manner, as in \"request 3: silent\"",
+                                                printable(rule.text)));
+    }
     if (found == std::end(kManners)) {
         throw std::invalid_argument(fmt::format("\"{}\" is no way to misbehave", printable(name)));
     }

@@ -3,9 +3,12 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <string>
+#include <string_view>
 
 #include "gnl.h"
 #include "nlog.h"
+#include "printable.hpp"
 
 int NLOG_Send(int /*facility*/, const char * /*module*/, int /*severity_class*/, int /*level*/,
               const char *format, ...)
@@ -19,7 +22,10 @@ int NLOG_Send(int /*facility*/, const char * /*module*/, int /*severity_class*/,
     if (length < 0) {
         return -1;
     }
-    std::fprintf(stderr, length > 0 && line[length - 1] == '\n' ? "%s" : "%s\n", line);
+    // Texts of a recording are in it, and may be anything.
+    std::string_view text(line, static_cast<std::size_t>(length));
+    text.remove_suffix(text.ends_with('\n') ? 1 : 0);
+    std::fputs((aaanc::printable(text) + "\n").c_str(), stderr);
     std::free(line);
     return 0;
 }

@@ -24,7 +24,7 @@ public:
         : directory_(guard), path_(directory_.path() / "aaa.sock"), handler_(misbehaviours),
           socket_(
               path_, [this](const CmfRequest &request) { return handler_.treat(request); },
-              [this] { return handler_.closesNext(); })
+              [this] { return handler_.closesNext() != nullptr; })
     {
         if (handler_.isAway()) {
             socket_.leave();
@@ -96,7 +96,9 @@ std::string run(const RunOptions &options, DeliveryObserver &observer, Reporter 
 int runPlugin(const RunOptions &options, TerminationGuard &guard, const Telling &tell)
 {
     std::optional<InProcessService> service;
-    if (!options.socket) {
+    if (options.socket) {
+        checkSocketPath(*options.socket);
+    } else {
         service.emplace(guard, options.misbehaviours);
     }
     OutputOptions output = options.output;
@@ -106,7 +108,7 @@ int runPlugin(const RunOptions &options, TerminationGuard &guard, const Telling 
     Reporter reporter(*writer, &progress);
     std::optional<TraceRecorder> recorder;
     if (options.record) {
-        recorder.emplace(*options.record, reporter);
+        recorder.emplace(*options.record, guard, reporter);
     }
     const CmfEndpoint endpoint{options.socket ? *options.socket : service->path(),
                                options.time_limit, &reporter};

@@ -53,7 +53,7 @@ void Progress::makeRoom()
 void Progress::end()
 {
     if (shown_) {
-        fmt::print(stderr, "\r\033[K");
+        std::fputs("\r\033[K", stderr);
         std::fflush(stderr);
         shown_ = false;
     }
@@ -67,7 +67,7 @@ void Progress::draw()
     const std::size_t room = width > numbers.size() + 3 ? width - numbers.size() - 3 : 0;
     const std::size_t length = std::min<std::size_t>(room, 40);
     const std::string filled(total_ != 0 ? length * done / total_ : 0, '#');
-    fmt::print(stderr, "\r[{:<{}}]{}\033[K", filled, length, numbers);
+    std::fputs(fmt::format("\r[{:<{}}]{}\033[K", filled, length, numbers).c_str(), stderr);
     std::fflush(stderr);
     shown_ = true;
 }

@@ -6,6 +6,7 @@
 
 #include <fmt/format.h>
 
+#include "aaa_service.hpp"
 #include "running_state.hpp"
 #include "sysrepo.h"
 
@@ -19,7 +20,7 @@ std::string failureText(const Exchange &exchange)
 {
     switch (exchange.step) {
     case CmfStep::Connect:
-        return "none: the service cannot be reached";
+        return "none: the service cannot be reached at " + exchange.failure;
     case CmfStep::Receive:
         return exchange.code == kCmfTimeout ? "none: the time limit has passed"
                                             : "none: the service has closed the connection";
@@ -51,7 +52,7 @@ std::string requestTitle(const Request &request)
 Answer answerOf(const Exchange &exchange)
 {
     if (exchange.step != CmfStep::Done) {
-        return {std::nullopt, failureText(exchange)};
+        return {std::nullopt, failureText(exchange), {}};
     }
     // Result code and length of further data, as a client finds them: zero
     // where the reply ends too early.
@@ -61,10 +62,18 @@ Answer answerOf(const Exchange &exchange)
         std::memcpy(words.data(), reply.data.data(), std::min(sizeof words, reply.data.size()));
     }
     if (reply.length != std::uint64_t{words[1]} + sizeof words) {
-        return {std::nullopt, fmt::format("malformed, counts as accepted: {} bytes, {} announced",
-                                          reply.length, std::uint64_t{words[1]} + sizeof words)};
+        return {std::nullopt,
+                fmt::format("malformed, counts as accepted: {} bytes, {} announced", reply.length,
+                            std::uint64_t{words[1]} + sizeof words),
+                {}};
     }
-    return {words[0], fmt::format("{} ({})", words[0], words[0] == 0 ? "accepted" : "refused")};
+    std::string reason;
+    if (words[0] == kServiceMalformed) {
+        const CmfRequest &request = exchange.request;
+        reason = malformationOf(request, decodeRequest(request.parameter.data));
+    }
+    return {words[0], fmt::format("{} ({})", words[0], words[0] == 0 ? "accepted" : "refused"),
+            reason};
 }
 
 } // namespace aaanc

@@ -35,13 +35,18 @@ struct CallbackRecord {
 struct Answer {
     std::optional<std::uint32_t> result; // none without a well-formed reply
     std::string text;                    // the same for a reader
+    std::string reason;                  // for a refusal, where the request shows it
 };
+
+// What to call a request whose block has been sent, but cannot be read.
+constexpr std::string_view kTooShort = "shorter than a header";
 
 struct RequestRecord {
     std::size_t number = 0;         // 1, 2, ... through the run
     std::size_t callback = 0;       // that sent it; 0 for none
     Bytes block;                    // the parameter block; empty when it was not encoded
     std::optional<Request> decoded; // none where the block is too short
+    std::string_view undecoded;     // what to call it then
     Answer answer;
 };
 
@@ -61,6 +66,8 @@ class RecordWriter
 {
 public:
     virtual ~RecordWriter() = default;
+    // The service listens at a socket, from now on.
+    virtual void listening(std::string_view socket) = 0;
     virtual void stage(const StageRecord &record) = 0;
     virtual void callbackBegins(const CallbackRecord &record) = 0;
     virtual void request(const RequestRecord &record) = 0;

@@ -1,6 +1,7 @@
 #include "replay.hpp"
 
 #include "input_error.hpp"
+#include "input_file.hpp"
 #include "trace.hpp"
 
 namespace aaanc
@@ -35,10 +36,11 @@ std::size_t changeCount(const Trace &trace)
 
 int replay(const ReplayOptions &options, TerminationGuard &guard)
 {
+    refuseStandardInputTwice(options.traces);
     const Schema schema(options.yang);
     std::vector<Trace> traces;
     for (const std::filesystem::path &file : options.traces) {
-        traces.push_back(readTrace(schema, file));
+        traces.push_back(readTrace(schema, inputName(file), readInput(file, kMaxRecordingSize)));
     }
     return runPlugin(options, guard, [&](Delivery &delivery, Reporter &reporter) {
         checkSubscribed(traces, delivery);

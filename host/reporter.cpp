@@ -39,14 +39,19 @@ void Reporter::changeTaken()
 
 void Reporter::exchanged(const Exchange &exchange)
 {
-    requested(exchange.request.parameter.data, answerOf(exchange));
+    requested(exchange.request.parameter.data, answerOf(exchange),
+              exchange.step <= CmfStep::Send ? "not sent" : kTooShort);
 }
 
-void Reporter::requested(const Bytes &block, const Answer &answer)
+void Reporter::requested(const Bytes &block, const Answer &answer, std::string_view undecoded)
 {
     ++summary_.requests;
-    const RequestRecord record{summary_.requests, in_callback_ ? callback_.number : 0, block,
-                               decodeRequest(block), answer};
+    const RequestRecord record{summary_.requests,
+                               in_callback_ ? callback_.number : 0,
+                               block,
+                               decodeRequest(block),
+                               undecoded,
+                               answer};
     ++(!record.answer.result        ? summary_.unanswered
        : *record.answer.result == 0 ? summary_.accepted
                                     : summary_.refused);

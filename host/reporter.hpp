@@ -22,8 +22,9 @@ public:
     void callbackEnded(const Notification &notification, int result) override;
     void changeTaken() override;
     void exchanged(const Exchange &exchange) override;
-    // A request, and what became of it.
-    void requested(const Bytes &block, const Answer &answer);
+    // A request, and what became of it. `undecoded` is what to call it where its block
+    // is too short to be read.
+    void requested(const Bytes &block, const Answer &answer, std::string_view undecoded);
     [[nodiscard]] const Summary &summary() const
     {
         return summary_;

@@ -13,17 +13,22 @@ namespace aaanc
 namespace
 {
 
-// What the client will find, as far as it is known here.
-Answer answerIn(const Treatment &treatment)
+std::string misbehaving(const std::string &rule)
 {
-    Answer answer{std::nullopt, "none"};
+    return ", misbehaving: " + rule;
+}
+
+// What the client will find, as far as it is known here.
+Answer answerIn(const CmfRequest &request, const Treatment &treatment)
+{
+    Answer answer{std::nullopt, "none", {}};
     if (const auto reply = unpackReply(treatment.packet)) {
-        answer = answerOf({{}, CmfStep::Done, kCmfDone, *reply});
+        answer = answerOf({request, CmfStep::Done, kCmfDone, {}, *reply});
     } else if (!treatment.packet.empty()) {
         answer.text = "none: what is sent is no reply";
     }
     if (!treatment.rule.empty()) {
-        answer.text += fmt::format(", misbehaving: {}", treatment.rule);
+        answer.text += misbehaving(treatment.rule);
     }
     return answer;
 }
@@ -35,22 +40,37 @@ int serveAlone(const ServiceOptions &options, TerminationGuard &guard)
     const std::unique_ptr<RecordWriter> writer = makeWriter(options.output, stdout);
     Reporter reporter(*writer);
     RequestHandler handler(options.misbehaviours);
+    const auto answer = [&](const CmfRequest &request) {
+        Treatment treatment = handler.treat(request);
+        reporter.requested(request.parameter.data, answerIn(request, treatment), kTooShort);
+        return treatment;
+    };
+    const auto closes_next = [&] {
+        const Misbehaviour *rule = handler.closesNext();
+        if (rule != nullptr) {
+            reporter.requested({}, {std::nullopt, "none" + misbehaving(rule->text), {}},
+                               "not read");
+        }
+        return rule != nullptr;
+    };
+    const auto malformed = [&](const Bytes &packet) {
+        handler.countMalformed();
+        Answer refusal = answerOf({{}, CmfStep::Done, kCmfDone, {}, makeReply(kServiceMalformed)});
+        refusal.reason = fmt::format("a packet of {} bytes, which is no object record with a "
+                                     "parameter of the length that it says",
+                                     packet.size());
+        reporter.requested({}, refusal, "no request");
+    };
     std::optional<ServiceSocket> service;
     guard.removeAtEnd([&] {
-        service.emplace(
-            options.socket,
-            [&](const CmfRequest &request) {
-                Treatment treatment = handler.treat(request);
-                reporter.requested(request.parameter.data, answerIn(treatment));
-                return treatment;
-            },
-            [&] { return handler.closesNext(); });
-        return std::filesystem::absolute(options.socket);
+        service.emplace(options.socket, answer, closes_next, malformed);
+        return [file = service->file()] { file.remove(); };
     });
+    guard.endBy([&] { service->stop(); });
+    writer->listening(options.socket);
     if (handler.isAway()) {
         service->leave();
     }
-    guard.endBy([&] { service->stop(); });
     service->serve();
     guard.endBy({});
     writer->state(handler.state());

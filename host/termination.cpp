@@ -6,10 +6,13 @@
 #include <stdexcept>
 #include <utility>
 
+#include <fmt/format.h>
 #include <poll.h>
 #include <sys/eventfd.h>
 #include <sys/signalfd.h>
 #include <unistd.h>
+
+#include "printable.hpp"
 
 namespace aaanc
 {
@@ -26,8 +29,21 @@ Descriptor watchSignals()
     sigemptyset(&signals);
     sigaddset(&signals, SIGINT);
     sigaddset(&signals, SIGTERM);
+    // A blocked signal would come even where it is to be ignored.
+    struct sigaction hang_up {
+    };
+    sigaction(SIGHUP, nullptr, &hang_up);
+    if (hang_up.sa_handler != SIG_IGN) {
+        sigaddset(&signals, SIGHUP);
+    }
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
     return Descriptor(signalfd(-1, &signals, SFD_CLOEXEC));
+}
+
+void removeTree(const std::filesystem::path &path)
+{
+    std::error_code ignored;
+    std::filesystem::remove_all(path, ignored);
 }
 
 } // namespace
@@ -45,10 +61,10 @@ TerminationGuard::~TerminationGuard()
     thread_.join();
 }
 
-void TerminationGuard::removeAtEnd(const std::function<std::filesystem::path()> &make)
+void TerminationGuard::removeAtEnd(const std::function<Removal()> &make)
 {
     const std::lock_guard lock(mutex_);
-    paths_.push_back(make());
+    removals_.push_back(make());
 }
 
 void TerminationGuard::endBy(std::function<void()> end)
@@ -77,9 +93,8 @@ void TerminationGuard::watch()
         }
         lock.lock();
     }
-    for (const std::filesystem::path &path : paths_) {
-        std::error_code ignored;
-        std::filesystem::remove_all(path, ignored);
+    for (const Removal &remove : removals_) {
+        remove();
     }
     _exit(status_);
 }
@@ -87,19 +102,22 @@ void TerminationGuard::watch()
 TemporaryDirectory::TemporaryDirectory(TerminationGuard &guard)
 {
     guard.removeAtEnd([this] {
-        std::string name = std::filesystem::temp_directory_path() / "aaanc-XXXXXX";
+        const char *parent = std::getenv("TMPDIR");
+        parent = parent != nullptr && *parent != '\0' ? parent : "/tmp";
+        std::string name = std::filesystem::path(parent) / "aaanc-XXXXXX";
         if (mkdtemp(name.data()) == nullptr) {
-            throw std::runtime_error(name + ": " + std::strerror(errno));
+            throw std::runtime_error(
+                fmt::format("{}: no temporary directory can be made there (TMPDIR): {}",
+                            printable(parent), std::strerror(errno)));
         }
         path_ = name;
-        return path_;
+        return [path = path_] { removeTree(path); };
     });
 }
 
 TemporaryDirectory::~TemporaryDirectory()
 {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
+    removeTree(path_);
 }
 
 } // namespace aaanc

@@ -1,4 +1,4 @@
-// An orderly end by SIGINT and SIGTERM.
+// An orderly end by SIGHUP, SIGINT and SIGTERM.
 #pragma once
 
 #include <atomic>
@@ -15,9 +15,14 @@
 namespace aaanc
 {
 
-// While it lives, SIGINT and SIGTERM remove the noted paths and end the process,
-// with status 128 + the signal's number, whatever its threads are waiting for.
-// Made before any other thread, since threads inherit which signals are blocked.
+// How something that has been made is removed again. May be called more than once,
+// and when it has gone already.
+using Removal = std::function<void()>;
+
+// While it lives, SIGHUP, SIGINT and SIGTERM remove what has been noted and end the
+// process, with status 128 + the signal's number, whatever its threads are waiting
+// for. A SIGHUP that nohup(1) has had ignored stays so. Made before any other thread,
+// since threads inherit which signals are blocked.
 class TerminationGuard
 {
 public:
@@ -26,9 +31,9 @@ public:
     TerminationGuard(const TerminationGuard &) = delete;
     TerminationGuard &operator=(const TerminationGuard &) = delete;
 
-    // Notes a file, or a directory with all that is in it, that `make` makes. A
-    // signal waits meanwhile, so that nothing is left behind.
-    void removeAtEnd(const std::function<std::filesystem::path()> &make);
+    // Notes how what `make` makes is removed. A signal waits meanwhile, so that
+    // nothing is left behind.
+    void removeAtEnd(const std::function<Removal()> &make);
 
     // A signal calls `end` from now on, and leaves the process a moment to come to
     // its end by itself. An empty one takes that back.
@@ -43,7 +48,7 @@ private:
     void watch();
 
     std::mutex mutex_;
-    std::vector<std::filesystem::path> paths_;
+    std::vector<Removal> removals_;
     std::function<void()> end_;
     std::atomic<int> status_ = 0;
     Descriptor signals_;

@@ -6,6 +6,7 @@
 #include "hex.hpp"
 #include "printable.hpp"
 #include "request_text.hpp"
+#include "standard_streams.hpp"
 #include "state_tables.hpp"
 #include "terminal.hpp"
 #include "writers.hpp"
@@ -27,6 +28,11 @@ public:
     TextWriter(const OutputOptions &options, std::FILE *output)
         : options_(options), output_(output), coloured_(wantsColours(output))
     {
+    }
+
+    void listening(std::string_view socket) override
+    {
+        write(fmt::format("Listening at {}.\n", printable(socket)));
     }
 
     void stage(const StageRecord &record) override
@@ -51,12 +57,15 @@ public:
     {
         std::string text = closeLine();
         text += fmt::format("    request {}: {}\n", record.number,
-                            record.decoded ? requestTitle(*record.decoded) : "not sent");
+                            record.decoded ? requestTitle(*record.decoded) : record.undecoded);
         if (record.decoded) {
             text += requestRows(*record.decoded, options_.show_keys);
         }
         text += requestRow("answer",
                            styled(record.answer.result == 0U ? kGood : kBad, record.answer.text));
+        if (!record.answer.reason.empty()) {
+            text += requestRow("reason", record.answer.reason);
+        }
         if (options_.hex && !record.block.empty()) {
             text += hexDump(record.block, "      ", [&](std::size_t offset) {
                 return !options_.show_keys && record.decoded &&
@@ -122,8 +131,7 @@ private:
 
     void write(std::string_view text)
     {
-        std::fwrite(text.data(), 1, text.size(), output_);
-        std::fflush(output_);
+        writeOutput(output_, text);
     }
 
     OutputOptions options_;

@@ -1,15 +1,10 @@
 #include "trace_recorder.hpp"
 
 #include <array>
-#include <cerrno>
-#include <cstring>
-#include <stdexcept>
+#include <cstdio>
 
-#include <fcntl.h>
 #include <fmt/format.h>
-#include <sys/stat.h>
 
-#include "input_error.hpp"
 #include "printable.hpp"
 #include "sysrepo.h"
 #include "trace.hpp"
@@ -68,19 +63,10 @@ std::string traceOf(std::string_view subtree, std::uint32_t event, const ChangeR
     return text;
 }
 
-TraceRecorder::TraceRecorder(const std::filesystem::path &file, DeliveryObserver &next)
-    : path_(file), next_(next)
+TraceRecorder::TraceRecorder(const std::filesystem::path &file, TerminationGuard &guard,
+                             DeliveryObserver &next)
+    : file_(file, guard), next_(next)
 {
-    const int descriptor = open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
-    if (descriptor < 0) {
-        throw InputError(file.string(), 0, "", std::strerror(errno));
-    }
-    struct stat status {
-    };
-    if (fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode)) {
-        fchmod(descriptor, 0600);
-    }
-    file_.reset(fdopen(descriptor, "w"));
     write("# Shared keys are in here as they were delivered.\n");
 }
 
@@ -98,18 +84,10 @@ void TraceRecorder::callbackEnded(const Notification &notification, int result)
     next_.callbackEnded(notification, result);
 }
 
-void TraceRecorder::finish()
-{
-    if (std::ferror(file_.get()) != 0) {
-        throw std::runtime_error(
-            fmt::format("{}: the recording is not complete", printable(path_.string())));
-    }
-}
-
 void TraceRecorder::write(const std::string &text)
 {
-    std::fwrite(text.data(), 1, text.size(), file_.get());
-    std::fflush(file_.get());
+    std::fwrite(text.data(), 1, text.size(), file_.stream());
+    std::fflush(file_.stream());
 }
 
 } // namespace aaanc

@@ -1,23 +1,25 @@
 // Writes a recording of what callbacks are delivered.
 #pragma once
 
-#include <cstdio>
 #include <filesystem>
-#include <memory>
+#include <string>
 
 #include "delivery.hpp"
+#include "whole_file.hpp"
 
 namespace aaanc
 {
 
-// Passes on what it is told. A callback is in the file before it is called, so
-// that one that brings the process down is in it, too.
+// Passes on what it is told. A callback is written before it is called, so that one
+// that brings the process down is in what is left then: a file with the recording's
+// name and six more characters.
 class TraceRecorder : public DeliveryObserver
 {
 public:
-    // Makes the file, for its owner alone, since shared keys are in it; replaces
-    // one that is there. Throws InputError where it cannot be made.
-    TraceRecorder(const std::filesystem::path &file, DeliveryObserver &next);
+    // The file is for its owner alone, since shared keys are in it. Throws InputError
+    // where it cannot be made.
+    TraceRecorder(const std::filesystem::path &file, TerminationGuard &guard,
+                  DeliveryObserver &next);
 
     void callbackBegins(const Notification &notification) override;
     void changeTaken() override
@@ -25,20 +27,17 @@ public:
         next_.changeTaken();
     }
     void callbackEnded(const Notification &notification, int result) override;
-    // Throws std::runtime_error when not all could be written.
-    void finish();
+    // Puts the file in its place; without that, there will be none. Throws
+    // std::runtime_error when not all could be written.
+    void finish()
+    {
+        file_.putInPlace();
+    }
 
 private:
     void write(const std::string &text);
 
-    struct Close {
-        void operator()(std::FILE *file) const
-        {
-            std::fclose(file);
-        }
-    };
-    std::filesystem::path path_;
-    std::unique_ptr<std::FILE, Close> file_;
+    WholeFile file_;
     DeliveryObserver &next_;
 };
 

@@ -228,7 +228,7 @@ private:
 
 TEST(ServiceAlone, TellsRequestsAndEndsBySignal)
 {
-    for (const int signal : {SIGINT, SIGTERM}) {
+    for (const int signal : {SIGHUP, SIGINT, SIGTERM}) {
         const ScratchDirectory client;
         const ScratchDirectory scratch;
         const std::string edit = client.write(
@@ -240,7 +240,8 @@ TEST(ServiceAlone, TellsRequestsAndEndsBySignal)
             0);
         const Outcome outcome = service.end(signal);
         EXPECT_EQ(outcome.status, 128 + signal);
-        EXPECT_EQ(outcome.output, "    request 1: set start-failure policy (type 21)\n"
+        EXPECT_EQ(outcome.output, "Listening at aaa.sock.\n"
+                                  "    request 1: set start-failure policy (type 21)\n"
                                   "      startFailType        1\n"
                                   "      answer               0 (accepted)\n"
                                   "State of the AAA service: 1 object\n"

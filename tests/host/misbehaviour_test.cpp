@@ -227,7 +227,7 @@ std::string networkSockets(pid_t process)
 // A service that never answers, so that there is time to look at the sockets and to end it.
 TEST(Apply, WhileItWaitsItsSocketIsTheOwnersAloneAndGoesBySignal)
 {
-    for (const int signal : {SIGINT, SIGTERM}) {
+    for (const int signal : {SIGHUP, SIGINT, SIGTERM}) {
         const ScratchDirectory temporary;
         const ScratchDirectory scratch;
         (void)scratch.write("edit.json", kThreeDomains);

@@ -297,7 +297,7 @@ TEST(Record, TellsWhereItCannotBeWritten)
 
     const Outcome full = runAaanc({"apply", "--record", "/dev/full", edit});
     EXPECT_EQ(full.status, 2);
-    EXPECT_NE(full.errors.find("the recording is not complete"), std::string::npos);
+    EXPECT_NE(full.errors.find("/dev/full: could not be written whole"), std::string::npos);
 }
 
 TEST(Replay, HidesSharedKeys)

@@ -2,6 +2,7 @@
 // exit code 2, in bounded memory, and before anything is told to the plug-in.
 #include <filesystem>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -132,15 +133,16 @@ TEST(HostileInput, AnEditInUtf16IsAnEdit)
 TEST(HostileInput, IsNotReadBeyondTheLimit)
 {
     const ScratchDirectory scratch;
-    const std::string size = ": larger than 16 MiB";
-    const std::string large = scratch.write("large.xml", kOpen);
-    std::filesystem::resize_file(large, std::uintmax_t{100} << 20U);
-    const std::vector<std::vector<std::string>> commands = {
-        apply(),
-        {"apply", "--plugin", AAANC_PLUGIN, "--startup"},
-        {"replay", "--plugin", AAANC_PLUGIN},
-        {"decode"}};
-    for (const std::vector<std::string> &command : commands) {
+    const std::string large = scratch.write("large", kOpen);
+    std::filesystem::resize_file(large, (std::uintmax_t{128} << 20U) + 1);
+    const std::string edit = ": larger than 16 MiB";
+    const std::string recording = ": larger than 128 MiB";
+    const std::pair<std::vector<std::string>, std::string> commands[] = {
+        {apply(), edit},
+        {{"apply", "--plugin", AAANC_PLUGIN, "--startup"}, edit},
+        {{"replay", "--plugin", AAANC_PLUGIN}, recording},
+        {{"decode"}, edit}};
+    for (const auto &[command, size] : commands) {
         expectRefused(command, large, size);
         expectRefused(command, "/dev/zero", size);
         expectRefused(command, scratch.path(), ": is a directory");
