@@ -191,8 +191,7 @@ void validate(const Schema &schema, const DataTree &data, const Document &edit)
     DataTree copy = data.copy();
     if (lyd_validate_all(copy.slot(), schema.context(),
                          LYD_VALIDATE_NO_STATE | LYD_VALIDATE_PRESENT, nullptr) != LY_SUCCESS) {
-        const char *path = ly_errpath(schema.context());
-        throw InputError(edit.file, 0, path != nullptr ? path : "",
+        throw InputError(edit.file, 0, schema.lastErrorNode(),
                          "the configuration would not be valid: " + schema.lastError());
     }
 }

@@ -26,6 +26,8 @@ public:
     [[nodiscard]] const lysc_node *find(const std::string &path) const;
     // libyang's message for the last error in this context, made printable.
     [[nodiscard]] std::string lastError() const;
+    // The path of the node that it is about; empty where there is none.
+    [[nodiscard]] std::string lastErrorNode() const;
 
 private:
     struct Destroy {
