@@ -141,6 +141,9 @@ private:
                 return i;
             }
         }
+        if (word.empty() || word.front() < '0' || word.front() > '9') {
+            fail(fmt::format("an operation is {} or a number", fmt::join(kNames, ", ")));
+        }
         return number(word, "operation");
     }
 

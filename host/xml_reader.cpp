@@ -118,6 +118,10 @@ private:
     {
         if (isWrapper(name)) {
             wrapped_ = true;
+            if (*attributes != nullptr) {
+                builder_.fail(line(), fmt::format("attribute \"{}\" of \"{}\", which takes none",
+                                                  printable(Name(*attributes).local), name.local));
+            }
             return;
         }
         const lys_module *module = ly_ctx_get_module_implemented_ns(
