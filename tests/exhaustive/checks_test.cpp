@@ -1,5 +1,7 @@
 // The shared checks over their whole input, as far as it has classes, against
 // oracles written another way.
+#include "exhaustive/service.hpp"
+
 #include "walk/checks.hpp"
 
 #include <gtest/gtest.h>
@@ -70,7 +72,8 @@ public:
     void compare(const Address &address)
     {
         ++compared_;
-        if (aaaNcServerIpCheck(text(address).c_str()) != acceptable(address) && mismatches_++ == 0)
+        if (call(aaaNcServerIpCheck, text(address).c_str()) != acceptable(address) &&
+            mismatches_++ == 0)
             first_ = text(address);
     }
     ~Mismatches()
@@ -185,7 +188,7 @@ TEST(ServerIpCheck, TextForms)
         {"::1.2.3", 0},
     };
     for (const auto &[form, result] : forms)
-        EXPECT_EQ(aaaNcServerIpCheck(form), result) << '"' << form << '"';
+        EXPECT_EQ(call(aaaNcServerIpCheck, form), result) << '"' << form << '"';
     RecordProperty("inputs", static_cast<int>(forms.size()));
 }
 
@@ -226,12 +229,13 @@ void askForEach(const std::vector<Group> &array, int &asks)
         for (const Group &asked : groups()) {
             ++asks;
             const int expected = std::find(array.begin(), end, asked) != end ? 46 : 0;
-            ASSERT_EQ(aaaNcGroupNameCheck(asked.first.c_str(), records.data(), count, asked.second),
-                      expected)
+            ASSERT_EQ(
+                call(aaaNcGroupNameCheck, asked.first.c_str(), records.data(), count, asked.second),
+                expected)
                 << '"' << asked.first << "\" of type " << asked.second << " among " << count;
         }
         ++asks;
-        ASSERT_EQ(aaaNcGroupNameCheck(nullptr, records.data(), count, 0), 25);
+        ASSERT_EQ(call(aaaNcGroupNameCheck, nullptr, records.data(), count, 0), 25);
     }
 }
 

@@ -83,7 +83,7 @@ TEST(ParamSet, EveryTypeAndOperation)
         for (const std::uint32_t oper : smallAndExtreme(256)) {
             ++inputs;
             AaaNcParam block = usedBlock();
-            aaaNcParamSet(type, oper, 24, payload.data(), block);
+            call(aaaNcParamSet, type, oper, 24, payload.data(), block);
             const bool sets = oper == 0 || oper == 1;
             ASSERT_EQ(bytesOf(block), word(type) + word(sets ? 1 : 0) + word(24) + payload +
                                           std::string(1012 - 24, kUntouched))
@@ -98,7 +98,7 @@ TEST(ParamSet, EveryLength)
     for (std::uint32_t length = 0; length <= 1012; ++length) {
         const std::string payload = payloadOf(length);
         AaaNcParam block = usedBlock();
-        aaaNcParamSet(63, 0, length, payload.data(), block);
+        call(aaaNcParamSet, 63, 0, length, payload.data(), block);
         ASSERT_EQ(bytesOf(block), word(63) + word(1) + word(length) + payload +
                                       std::string(1012 - length, kUntouched))
             << "length " << length;
@@ -118,7 +118,7 @@ TEST(CmfSendProc, EveryTypeFlagAndLengthIsSentWhole)
                 service = {};
                 service.arrived = reply(word(0) + word(0), 8);
                 service.reported_length = 8;
-                ASSERT_EQ(aaaNcCmfSendProc(block), 0);
+                ASSERT_EQ(call(aaaNcCmfSendProc, block), 0);
                 const std::array<std::uint32_t, 3> object = {type, flag == 0 ? 4U : 3U, 0};
                 ASSERT_EQ(service.object, object);
                 ASSERT_EQ(service.parameter, bytesOf(block).substr(0, 12 + length))
@@ -168,7 +168,7 @@ Outcome exchange(std::uint32_t result, std::uint32_t length_field, std::uint32_t
     service.reported_length = length;
     AaaNcParam block{};
     block.header = {5, 1, 4};
-    const int got = aaaNcCmfSendProc(block);
+    const int got = call(aaaNcCmfSendProc, block);
     return {got, service.log_lines, service.opened, service.closed};
 }
 

@@ -42,6 +42,7 @@ int CMF_ClientContextObjSet(void *, const void *record)
 
 int CMF_ClientParamEncode(void *, uint32_t, uint32_t length, const void *data)
 {
+    const aaanc::test::InPlatform platform;
     service.parameter.assign(static_cast<const char *>(data), length);
     return 0;
 }

@@ -1,11 +1,16 @@
-// An AAA service for functions of the plug-in that are called by themselves: it
-// keeps the request and gives one reply.
+// Functions of the plug-in that are called by themselves, and an AAA service for
+// them: it keeps the request and gives one reply.
 #pragma once
 
 #include <array>
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <type_traits>
+
+#include <gtest/gtest.h>
+
+#include "harness/heap_watch.hpp"
 
 namespace aaanc::test
 {
@@ -25,5 +30,19 @@ struct Service {
 };
 
 extern Service service;
+
+// Calls a function of the plug-in. A test fails where that uses the heap.
+template <typename Result, typename... Parameters>
+Result call(Result (*function)(Parameters...), std::type_identity_t<Parameters>... arguments)
+{
+    struct Watch {
+        InPlugin plugin;
+        ~Watch()
+        {
+            EXPECT_EQ(plugin.heapUses(), 0U);
+        }
+    } const watch;
+    return function(arguments...);
+}
 
 } // namespace aaanc::test

@@ -1,5 +1,6 @@
 // Watches the heap: while the plug-in runs, nothing may be allocated or freed.
-// The allocator is interposed in every program that plays the plug-in.
+// The allocator is interposed in every test that has the plug-in on a platform of
+// its own; not in those of tests/host and tests/threads, where it is in aaanc's.
 #pragma once
 
 #include <cstddef>
