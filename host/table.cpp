@@ -54,24 +54,63 @@ std::string_view takeLine(std::string_view &text, std::size_t width)
     return line;
 }
 
-std::vector<std::size_t> columnWidths(const Table &table, std::size_t width)
+std::size_t longestWord(std::string_view text)
 {
-    std::vector<std::size_t> widths;
-    for (std::size_t i = 0; i < table.titles.size(); ++i) {
-        std::size_t widest = characters(table.titles[i]);
-        for (const auto &row : table.rows) {
-            widest = std::max(widest, characters(row[i]));
-        }
-        widths.push_back(widest);
+    std::size_t longest = 0;
+    while (!text.empty()) {
+        const std::string_view word = text.substr(0, text.find(' '));
+        longest = std::max(longest, characters(word));
+        text.remove_prefix(std::min(word.size() + 1, text.size()));
     }
-    const std::size_t gaps = kGap * (widths.size() - 1);
-    std::size_t total = std::accumulate(widths.begin(), widths.end(), gaps);
-    for (; width != 0 && total > width; --total) {
-        const auto widest = std::ranges::max_element(widths);
-        if (*widest <= kNarrowest) {
-            break;
+    return longest;
+}
+
+// The most that `measure` says of a cell of each column, its title included if wanted.
+template <typename Measure>
+std::vector<std::size_t> mostOf(const Table &table, Measure measure, bool with_titles)
+{
+    std::vector<std::size_t> most(table.titles.size());
+    for (std::size_t i = 0; i < most.size(); ++i) {
+        if (with_titles) {
+            most[i] = std::max(most[i], measure(table.titles[i]));
+        }
+        for (const auto &row : table.rows) {
+            most[i] = std::max(most[i], measure(row[i]));
+        }
+    }
+    return most;
+}
+
+// Makes the widest columns narrower, none below its `least`, until all have `width`.
+void narrow(std::vector<std::size_t> &widths, std::size_t width,
+            const std::vector<std::size_t> &least)
+{
+    std::size_t total = std::accumulate(widths.begin(), widths.end(), std::size_t{0});
+    for (; total > width; --total) {
+        std::size_t *widest = nullptr;
+        for (std::size_t i = 0; i < widths.size(); ++i) {
+            if (widths[i] > std::max(least[i], kNarrowest) &&
+                (widest == nullptr || widths[i] > *widest)) {
+                widest = &widths[i];
+            }
+        }
+        if (widest == nullptr) {
+            return;
         }
         --*widest;
+    }
+}
+
+// Where it is too narrow for whole words, titles are broken first.
+std::vector<std::size_t> columnWidths(const Table &table, std::size_t width)
+{
+    std::vector<std::size_t> widths = mostOf(table, characters, true);
+    const std::size_t gaps = kGap * (widths.size() - 1);
+    if (width != 0) {
+        const std::size_t left = width > gaps ? width - gaps : 0;
+        narrow(widths, left, mostOf(table, longestWord, true));
+        narrow(widths, left, mostOf(table, longestWord, false));
+        narrow(widths, left, std::vector<std::size_t>(widths.size()));
     }
     return widths;
 }

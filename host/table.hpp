@@ -16,7 +16,8 @@ struct Table {
 
 // Lines that begin with `indent`. Where they would be wider than `width`
 // characters (0 for any), the widest columns become narrower and their cells
-// go on in further lines: nothing is cut. The titles are bold if `coloured`.
+// go on in further lines, with words broken only where there is no other way, those
+// of titles first: nothing is cut. The titles are bold if `coloured`.
 std::string formatTable(const Table &table, std::string_view indent, std::size_t width,
                         bool coloured);
 

@@ -143,6 +143,17 @@ TEST(Table, LosesNothingWhereItIsTooWide)
                                                    "  radius campus,   1\n"
                                                    "  tacacs\n"
                                                    "  operators\n");
+    // Words are broken where there is no other way, those of titles first.
+    const Table address{{"address", "groups"}, {{"192.0.2.111", "radius campus, tacacs ops"}}};
+    EXPECT_EQ(formatTable(address, "", 20, false), "address      groups\n"
+                                                   "192.0.2.111  radius\n"
+                                                   "             campus,\n"
+                                                   "             tacacs\n"
+                                                   "             ops\n");
+    const Table title{{"priority", "address"}, {{"1", "192.0.2.1"}}};
+    EXPECT_EQ(formatTable(title, "", 15, false), "prio  address\n"
+                                                 "rity\n"
+                                                 "1     192.0.2.1\n");
     const Table long_word{{"word"}, {{"abcdefghij"}}};
     EXPECT_EQ(formatTable(long_word, "", 4, false), "word\nabcd\nefgh\nij\n");
     const Table umlauts{{"w"}, {{"\xc3\xa4\xc3\xb6\xc3\xbc"}, {"abc"}}};
