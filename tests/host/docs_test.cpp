@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <span>
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include "process.hpp"
@@ -93,12 +94,70 @@ Outcome runAtRoot(const std::vector<std::string> &arguments)
 TEST(Docs, SayWhatDoesNotReachTheService)
 {
     const std::vector<Transcript> all = transcripts();
-    EXPECT_GE(all.size(), 8U);
+    EXPECT_GE(all.size(), 12U);
     for (const Transcript &transcript : all) {
         const Outcome outcome = runAtRoot(transcript.arguments);
         EXPECT_TRUE(matches(transcript.output, lines(outcome.output)))
             << transcript.arguments.back() << "\n"
             << outcome.output << outcome.errors;
+    }
+}
+
+// What a key of so many bytes comes to, with the log lines of errors.
+Outcome runWithKey(const std::string &type, const std::string &key)
+{
+    const ScratchDirectory scratch;
+    const std::string edit = fmt::format(
+        R"({{"orvek-aaa:sysAaa": {{"tacacsIpv4Server": {{"tacacsIpv4ServerInfo": [{{
+          "tacacsIpv4GroupName": "a", "tacacsIpv4ServerAddr": "192.0.2.1",
+          "tacacsIpv4ServerPort": 49, "tacacsIpv4ServerKeyType": "{}",
+          "tacacsIpv4ServerKey": "{}", "tacacsIpv4ServerPriority": 1}}]}}}}}})",
+        type, key);
+    return runAaanc(
+        {"apply", "--no-enabled", "--log-level", "1", scratch.write("edit.json", edit)});
+}
+
+std::string hexOf(std::size_t bytes)
+{
+    std::string hex;
+    for (std::size_t i = 0; i < bytes; ++i) {
+        hex += "61";
+    }
+    return hex;
+}
+
+TEST(Docs, SayHowLongSharedKeysMayBe)
+{
+    const std::string module = readText(AAANC_YANG "/orvek-aaa.yang");
+    std::string words;
+    for (const char character : module) {
+        if (character > ' ' || (character == ' ' && !words.ends_with(' '))) {
+            words += character;
+        }
+    }
+    std::size_t count = 0;
+    constexpr std::string_view kLimits =
+        "A plain key has at most 127 bytes when decoded, a cipher key at most 259.";
+    for (std::size_t at = words.find(kLimits); at != std::string::npos;
+         at = words.find(kLimits, at + 1)) {
+        ++count;
+    }
+    EXPECT_EQ(count, 4U);
+
+    for (const auto &[type, longest] : {std::pair("0", 127U), std::pair("1", 259U)}) {
+        const Outcome fits = runWithKey(type, hexOf(longest));
+        EXPECT_EQ(fits.status, 0);
+        EXPECT_NE(fits.output.find("answer               0 (accepted)"), std::string::npos);
+        EXPECT_EQ(runWithKey(type, hexOf(longest + 1)).status, 1);
+    }
+    EXPECT_NE(runWithKey("0", hexOf(128)).errors.find("plain key length[128] is too long."),
+              std::string::npos);
+    for (const Outcome &silent : {runWithKey("1", hexOf(260)), runWithKey("0", hexOf(260)),
+                                  runWithKey("0", "campus-two"), runWithKey("1", "616")}) {
+        EXPECT_EQ(silent.status, 1);
+        EXPECT_EQ(silent.errors, "");
+        EXPECT_NE(silent.output.find("apply, 7 changes\n    returned 7"), std::string::npos)
+            << silent.output;
     }
 }
 
