@@ -124,7 +124,8 @@ int runPlugin(const RunOptions &options, TerminationGuard &guard, const Telling 
         writer->state(service->end());
     }
     writer->summary(reporter.summary());
-    if (recorder) {
+    // A plug-in that could not be initialised has been told nothing to keep.
+    if (recorder && (ended_early.empty() || reporter.summary().callbacks != 0)) {
         recorder->finish();
     }
     return ended_early.empty() && reporter.summary().failed_callbacks == 0 ? 0 : 1;

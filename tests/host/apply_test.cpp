@@ -3,19 +3,14 @@
 // runs/*.run: sections "file NAME", "arguments" (one a line), "status", "output",
 // "errors" or "errors without line numbers" (those of log lines are left out).
 #include <algorithm>
-#include <cerrno>
-#include <chrono>
 #include <csignal>
+#include <cstdlib>
 #include <filesystem>
 #include <map>
-#include <thread>
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
-#include "cmf_wire.hpp"
+#include "canary.hpp"
 #include "process.hpp"
 #include "support.hpp"
 
@@ -24,24 +19,6 @@ namespace aaanc::test
 
 namespace
 {
-
-constexpr const char *kOneServer = R"({"orvek-aaa:sysAaa": {
-  "radiusIpv4Server": {"radiusIpv4ServerInfo": [{"radiusIpv4GroupName": "core",
-    "radiusIpv4ServerAddr": "192.0.2.1", "radiusIpv4ServerAuthenPort": 1812,
-    "radiusIpv4ServerAccountPort": 1813, "radiusIpv4ServerKeyType": "0",
-    "radiusIpv4ServerKey": "63616e617279"}]}}})"; // "canary"
-
-// Waits until `done` says so, 10 seconds at most.
-template <typename Condition> bool eventually(Condition done)
-{
-    for (int i = 0; i < 1000; ++i) {
-        if (done()) {
-            return true;
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    }
-    return false;
-}
 
 // "[DBG] (function:12) text" becomes "[DBG] (function) text".
 std::string withoutLineNumbers(const std::string &log)
@@ -108,14 +85,6 @@ TEST(Examples, AreAcceptedWhole)
     EXPECT_EQ(outcome.errors, "");
     EXPECT_TRUE(lines(outcome.output).back().ends_with("All callbacks returned 0."));
     EXPECT_EQ(outcome.output.find("problem"), std::string::npos);
-}
-
-// No form of the key "canary" is in a text.
-void expectNoCanary(const std::string &text)
-{
-    for (const std::string form : {"canary", "63616e617279", "63 61 6e 61 72 79"}) {
-        EXPECT_EQ(text.find(form), std::string::npos) << text;
-    }
 }
 
 TEST(Apply, HidesSharedKeys)
@@ -197,103 +166,6 @@ TEST(Apply, TellsAnInitialisationThatFails)
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(lines(outcome.output).at(0),
               "The plug-in could not be initialised: sr_plugin_init_cb returned 4.");
-}
-
-// A service that runs alone, until it is told to end.
-class Alone
-{
-public:
-    explicit Alone(const std::string &directory, std::vector<std::string> options = {})
-        : process_(directory, arguments(std::move(options)))
-    {
-        EXPECT_TRUE(eventually([&] {
-            return connectTo(directory + "/aaa.sock", std::chrono::seconds(1)).has_value();
-        }));
-    }
-    Outcome end(int signal)
-    {
-        kill(process_.id(), signal);
-        return process_.wait();
-    }
-
-private:
-    static std::vector<std::string> arguments(std::vector<std::string> options)
-    {
-        options.insert(options.begin(), {"service", "--socket", "aaa.sock"});
-        return options;
-    }
-
-    Process process_;
-};
-
-TEST(ServiceAlone, TellsRequestsAndEndsBySignal)
-{
-    for (const int signal : {SIGHUP, SIGINT, SIGTERM}) {
-        const ScratchDirectory client;
-        const ScratchDirectory scratch;
-        const std::string edit = client.write(
-            "edit.json", R"({"orvek-aaa:sysAaa": {"aaaGlobal": {"startFailType": 1}}})");
-        Alone service(scratch.path());
-        EXPECT_EQ(
-            runAaanc({"apply", "--no-enabled", "--socket", scratch.path() + "/aaa.sock", edit})
-                .status,
-            0);
-        const Outcome outcome = service.end(signal);
-        EXPECT_EQ(outcome.status, 128 + signal);
-        EXPECT_EQ(outcome.output, "Listening at aaa.sock.\n"
-                                  "    request 1: set start-failure policy (type 21)\n"
-                                  "      startFailType        1\n"
-                                  "      answer               0 (accepted)\n"
-                                  "State of the AAA service: 1 object\n"
-                                  "  Start-failure policy\n"
-                                  "    startFailType  request\n"
-                                  "    1              1\n");
-        EXPECT_FALSE(std::filesystem::exists(scratch.path() + "/aaa.sock"));
-    }
-}
-
-TEST(ServiceAlone, HidesSharedKeys)
-{
-    for (const std::string form : {"--json", "--hex"}) {
-        const ScratchDirectory client;
-        const ScratchDirectory scratch;
-        const std::string edit = client.write("edit.json", kOneServer);
-        Alone service(scratch.path(), {"--hex", form});
-        EXPECT_EQ(runAaanc({"apply", "--socket", scratch.path() + "/aaa.sock", edit}).status, 0);
-        const Outcome outcome = service.end(SIGTERM);
-        EXPECT_NE(outcome.output.find("****"), std::string::npos);
-        expectNoCanary(outcome.output);
-        expectNoCanary(outcome.errors);
-    }
-}
-
-// Its output is a pipe that is full.
-TEST(ServiceAlone, EndsWithinASecondThoughNobodyReadsWhatItTells)
-{
-    const ScratchDirectory scratch;
-    const std::string output = scratch.path() + "/output";
-    ASSERT_EQ(mkfifo(output.c_str(), 0600), 0);
-    const Descriptor pipe(open(output.c_str(), O_RDWR | O_CLOEXEC | O_NONBLOCK));
-    const std::string bytes(4096, 'x');
-    while (write(pipe.number(), bytes.data(), bytes.size()) > 0) {
-    }
-    ASSERT_EQ(errno, EAGAIN);
-    Alone service(scratch.path());
-    std::filesystem::remove(output);
-    const auto begin = std::chrono::steady_clock::now();
-    EXPECT_EQ(service.end(SIGTERM).status, 128 + SIGTERM);
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(1));
-    EXPECT_FALSE(std::filesystem::exists(scratch.path() + "/aaa.sock"));
-}
-
-TEST(ServiceAlone, ReplacesASocketThatNobodyListensOn)
-{
-    const ScratchDirectory scratch;
-    Alone first(scratch.path());
-    first.end(SIGKILL);
-    EXPECT_TRUE(std::filesystem::exists(scratch.path() + "/aaa.sock"));
-    Alone second(scratch.path());
-    EXPECT_EQ(second.end(SIGTERM).status, 128 + SIGTERM);
 }
 
 TEST(Apply, EndsBySignalWhateverItWaitsForAndLeavesNothingBehind)

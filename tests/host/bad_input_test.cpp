@@ -1,6 +1,7 @@
 // Bad input is told with file, line and node, exit code 2, and before anything
 // is committed. bad/expected.txt has what is said of each file in bad/.
 #include <algorithm>
+#include <cstdlib>
 
 #include <gtest/gtest.h>
 
@@ -72,12 +73,26 @@ TEST(BadCalls, ExitWith2)
         scratch.write("startup.json",
                       "{\"orvek-aaa:sysAaa\": {\n\"@\": {\"ietf-netconf:operation\": \"merge\"}}}");
     const std::string no_plugin = scratch.write("plugin.so", "not a library");
+    const std::string long_path(200, 'x');
     const BadCall calls[] = {
         {{}, "subcommand is required"},
         {{"aply"}, "unknown command \"aply\""},
         {{"apply", "--no-such-option"}, "--no-such-option"},
         {{"apply", "--log-level", "5"}, "--log-level"},
         {{"apply", "--receive-timeout", "0"}, "--receive-timeout"},
+        {{"apply", "--receive-timeout", "nan"}, "--receive-timeout: nan is no number of seconds"},
+        {{"apply", "--misbehave", "request 3 refuse 43"},
+         "\"request 3 refuse 43\" lacks the colon"},
+        {{"apply", "--socket", "aaa.sock", "--misbehave", "silent"}, "excludes --misbehave"},
+        {{"replay", "--misbehave", "silent", "--socket", "aaa.sock", no_plugin}, "excludes"},
+        {{"apply", "--socket", ""}, "the path of the socket is empty"},
+        {{"service", "--socket", ""}, "the path of the socket is empty"},
+        {{"apply", "--socket", long_path}, long_path + ": longer than the 107 bytes"},
+        {{"service", "--socket", long_path}, long_path + ": longer than the 107 bytes"},
+        {{"apply", "-", "-"}, "standard input: is named twice"},
+        {{"apply", "--startup", "-", "-"}, "standard input: is named twice"},
+        {{"replay", "-", no_plugin, "-"}, "standard input: is named twice"},
+        {{"replay", "/proc/self/mem"}, "/proc/self/mem: Input/output error"},
         {{"apply", "/nowhere.xml"}, "/nowhere.xml: No such file or directory"},
         {{"apply", scratch.path()}, scratch.path() + ": is a directory"},
         {{"apply", large}, large + ": larger than 16 MiB"},
@@ -94,8 +109,21 @@ TEST(BadCalls, ExitWith2)
         const Outcome outcome = runAaanc(call.arguments);
         EXPECT_EQ(outcome.status, 2) << call.error;
         EXPECT_EQ(outcome.output, "") << call.error;
+        EXPECT_EQ(outcome.errors.find("aaanc: "), 0U) << outcome.errors;
         EXPECT_NE(outcome.errors.find(call.error), std::string::npos) << outcome.errors;
     }
+}
+
+TEST(BadCalls, NameADirectoryForTemporaryFilesThatIsNone)
+{
+    const ScratchDirectory scratch;
+    setenv("TMPDIR", "/nowhere", 1);
+    Process process(scratch.path(), {"apply"});
+    unsetenv("TMPDIR");
+    const Outcome outcome = process.wait();
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_EQ(outcome.errors, "aaanc: /nowhere: no temporary directory can be made there (TMPDIR): "
+                              "No such file or directory\n");
 }
 
 } // namespace

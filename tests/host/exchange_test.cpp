@@ -195,12 +195,60 @@ TEST_F(Exchanging, TheSocketIsTheOwnersAloneAndGoesInTheEnd)
     EXPECT_FALSE(std::filesystem::exists(endpoint_.socket_path));
 }
 
+// Binds a socket of another program's; it listens with this backlog.
+Descriptor otherSocket(const std::string &path, int type, int backlog)
+{
+    Descriptor listening(socket(AF_UNIX, type, 0));
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    path.copy(address.sun_path, sizeof address.sun_path - 1);
+    EXPECT_EQ(bind(listening.number(), reinterpret_cast<sockaddr *>(&address), sizeof address), 0);
+    EXPECT_EQ(listen(listening.number(), backlog), 0);
+    return listening;
+}
+
+TEST_F(Exchanging, ASocketThatAnotherListensOnIsLeftAlone)
+{
+    const auto start = [&] {
+        const ServiceSocket service(endpoint_.socket_path,
+                                    [](const CmfRequest &) { return makeReply(0); });
+    };
+    {
+        const Descriptor stream = otherSocket(endpoint_.socket_path, SOCK_STREAM, 1);
+        EXPECT_THROW(start(), std::runtime_error);
+        EXPECT_TRUE(std::filesystem::exists(endpoint_.socket_path));
+    }
+    std::filesystem::remove(endpoint_.socket_path);
+    {
+        const Descriptor busy = otherSocket(endpoint_.socket_path, SOCK_SEQPACKET, 0);
+        const auto waiting = connectTo(endpoint_.socket_path, std::chrono::seconds(1));
+        EXPECT_TRUE(waiting);
+        EXPECT_THROW(start(), std::runtime_error);
+        EXPECT_TRUE(std::filesystem::exists(endpoint_.socket_path));
+    }
+    start(); // nobody listens any more
+    EXPECT_FALSE(std::filesystem::exists(endpoint_.socket_path));
+}
+
+TEST_F(Exchanging, InTheEndItRemovesNoSocketButItsOwn)
+{
+    std::optional<Descriptor> other;
+    {
+        const ServiceSocket service(endpoint_.socket_path,
+                                    [](const CmfRequest &) { return makeReply(0); });
+        std::filesystem::rename(endpoint_.socket_path, scratch_.path() + "/moved");
+        other = otherSocket(endpoint_.socket_path, SOCK_SEQPACKET, 1);
+    }
+    EXPECT_TRUE(std::filesystem::exists(endpoint_.socket_path));
+}
+
 TEST_F(Exchanging, WithoutAServiceThereIsNoContext)
 {
     const Got got = accountInterval(15);
     EXPECT_EQ(got.step, CmfStep::Connect);
     ASSERT_EQ(exchanges_.all.size(), 1U);
     EXPECT_EQ(exchanges_.all[0].step, CmfStep::Connect);
+    EXPECT_EQ(exchanges_.all[0].failure, endpoint_.socket_path + ": No such file or directory");
 }
 
 TEST_F(Exchanging, NoAnswerEndsInAReceiveErrorAtTheTimeLimit)

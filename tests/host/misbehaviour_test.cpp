@@ -3,7 +3,6 @@
 #include <chrono>
 #include <csignal>
 #include <filesystem>
-#include <thread>
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>
@@ -108,9 +107,7 @@ TEST_P(Misbehaving, AloneItDoesTheSame)
     const std::string edit = client.write("edit.json", kThreeDomains);
     Process service(scratch.path(), {"service", "--json", "--socket", "aaa.sock", "--misbehave",
                                      fmt::format("request 2: {}", way.manner)});
-    for (int i = 0; i < 1000 && !std::filesystem::exists(socket); ++i) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    }
+    EXPECT_TRUE(eventually([&] { return std::filesystem::exists(socket); }));
     const Outcome outcome = runAaanc(
         {"apply", "--json", "--no-enabled", "--receive-timeout", "0.3", "--socket", socket, edit});
     kill(service.id(), SIGTERM);
@@ -227,6 +224,7 @@ std::string networkSockets(pid_t process)
 // A service that never answers, so that there is time to look at the sockets and to end it.
 TEST(Apply, WhileItWaitsItsSocketIsTheOwnersAloneAndGoesBySignal)
 {
+    std::signal(SIGHUP, SIG_DFL); // nohup(1) may run the tests
     for (const int signal : {SIGHUP, SIGINT, SIGTERM}) {
         const ScratchDirectory temporary;
         const ScratchDirectory scratch;
@@ -234,9 +232,7 @@ TEST(Apply, WhileItWaitsItsSocketIsTheOwnersAloneAndGoesBySignal)
         setenv("TMPDIR", temporary.path().c_str(), 1);
         Process process(scratch.path(), {"apply", "--json", "--misbehave", "silent", "edit.json"});
         unsetenv("TMPDIR");
-        for (int i = 0; i < 1000 && readText(scratch.path() + "/output").empty(); ++i) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(10));
-        }
+        EXPECT_TRUE(eventually([&] { return !readText(scratch.path() + "/output").empty(); }));
         std::size_t sockets = 0;
         for (const auto &entry : std::filesystem::recursive_directory_iterator(temporary.path())) {
             const auto mode = entry.status().permissions() & std::filesystem::perms::mask;

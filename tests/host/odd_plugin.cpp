@@ -3,6 +3,8 @@
 //   verify  VERIFY of the global options is refused with 7
 //   abort   as verify, and ABORT returns 9
 //   hang    callbacks never return
+//   crash   callbacks bring the process down
+#include <csignal>
 #include <cstdlib>
 #include <cstring>
 
@@ -23,6 +25,9 @@ int callback(sr_session_ctx_t *, const char *, sr_notif_event_t event, void *)
 {
     while (wants("hang")) {
         pause();
+    }
+    if (wants("crash")) {
+        kill(getpid(), SIGKILL);
     }
     if (event == SR_EV_VERIFY && (wants("verify") || wants("abort"))) {
         return 7;

@@ -1,7 +1,9 @@
 // Runs a program, as a user does.
 #pragma once
 
+#include <chrono>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include <sys/types.h>
@@ -35,6 +37,18 @@ private:
 };
 
 Outcome runAaanc(const std::vector<std::string> &arguments);
+
+// Waits until `done` says so, 10 seconds at most.
+template <typename Condition> bool eventually(Condition done)
+{
+    for (int i = 0; i < 1000; ++i) {
+        if (done()) {
+            return true;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    return false;
+}
 
 // A fresh directory, removed in the end.
 class ScratchDirectory

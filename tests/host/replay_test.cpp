@@ -1,5 +1,7 @@
 // aaanc replay and aaanc apply --record: what is recorded is what is replayed.
 #include <algorithm>
+#include <csignal>
+#include <cstdlib>
 #include <filesystem>
 #include <random>
 
@@ -298,6 +300,121 @@ TEST(Record, TellsWhereItCannotBeWritten)
     const Outcome full = runAaanc({"apply", "--record", "/dev/full", edit});
     EXPECT_EQ(full.status, 2);
     EXPECT_NE(full.errors.find("/dev/full: could not be written whole"), std::string::npos);
+}
+
+// A directory with something in it that a recording is going to replace.
+class Replacing : public testing::Test
+{
+protected:
+    // The names in the directory, but for what collects the output of a run.
+    std::vector<std::string> names()
+    {
+        std::vector<std::string> all;
+        for (const auto &entry : std::filesystem::directory_iterator(scratch_.path())) {
+            all.push_back(entry.path().filename());
+        }
+        std::erase(all, "output");
+        std::erase(all, "errors");
+        std::ranges::sort(all);
+        return all;
+    }
+    Process start(const char *oddity)
+    {
+        setenv("AAANC_ODD_PLUGIN", oddity, 1);
+        Process process(scratch_.path(),
+                        {"apply", "--plugin", AAANC_ODD_PLUGIN_FILE, "--record", "recording"});
+        unsetenv("AAANC_ODD_PLUGIN");
+        return process;
+    }
+
+    ScratchDirectory scratch_;
+    std::string recording_ = scratch_.write("recording", "old");
+    const std::vector<std::string> only_ = {"recording"};
+};
+
+TEST_F(Replacing, ARunThatCannotBeginKeepsWhatWasThere)
+{
+    const std::string no_plugin = scratch_.path() + "/none.so";
+    EXPECT_EQ(runAaanc({"apply", "--plugin", no_plugin, "--record", recording_}).status, 2);
+    EXPECT_EQ(readText(recording_), "old");
+    EXPECT_EQ(start("init").wait().status, 1);
+    EXPECT_EQ(readText(recording_), "old");
+    EXPECT_EQ(names(), only_);
+}
+
+TEST_F(Replacing, ASignalKeepsWhatWasThere)
+{
+    Process process = start("hang");
+    EXPECT_TRUE(eventually([&] { return !readText(scratch_.path() + "/output").empty(); }));
+    EXPECT_EQ(names().size(), 2U);
+    kill(process.id(), SIGTERM);
+    EXPECT_EQ(process.wait().status, 128 + SIGTERM);
+    EXPECT_EQ(readText(recording_), "old");
+    EXPECT_EQ(names(), only_);
+}
+
+TEST_F(Replacing, APlugInThatBringsTheProcessDownLeavesARecordingBesideIt)
+{
+    EXPECT_EQ(start("crash").wait().status, -SIGKILL);
+    EXPECT_EQ(readText(recording_), "old");
+    const std::vector<std::string> left = names();
+    ASSERT_EQ(left.size(), 2U);
+    EXPECT_EQ(left[1].find("recording."), 0U);
+    EXPECT_NE(readText(scratch_.path() + "/" + left[1])
+                  .find("callback /orvek-aaa:sysAaa/aaaGlobal event 3\n"),
+              std::string::npos);
+}
+
+TEST_F(Replacing, OfALinkItsTargetIsReplaced)
+{
+    const std::string link = scratch_.path() + "/link";
+    std::filesystem::create_symlink("recording", link);
+    EXPECT_EQ(runAaanc({"apply", "--record", link}).status, 0);
+    EXPECT_TRUE(std::filesystem::is_symlink(link));
+    EXPECT_EQ(readText(recording_).find("# Shared keys"), 0U);
+}
+
+TEST_F(Replacing, NothingIsReplacedThatTheRunIsMadeOf)
+{
+    const std::string plugin = scratch_.path() + "/plugin.so";
+    std::filesystem::copy_file(AAANC_PLUGIN, plugin);
+    const std::string module = scratch_.path() + "/orvek-aaa.yang";
+    std::filesystem::copy_file(AAANC_YANG "/orvek-aaa.yang", module);
+    for (const std::string &target : {plugin, module}) {
+        const std::string before = readText(target);
+        const Outcome outcome =
+            runAaanc({"apply", "--plugin", plugin, "--yang", scratch_.path(), "--record", target});
+        EXPECT_EQ(outcome.status, 2);
+        EXPECT_EQ(outcome.errors,
+                  "aaanc: " + target + ": would be replaced by the recording, but is an input\n");
+        EXPECT_EQ(readText(target), before);
+    }
+    const Outcome directory = runAaanc({"apply", "--record", scratch_.path()});
+    EXPECT_EQ(directory.status, 2);
+    EXPECT_EQ(directory.errors, "aaanc: " + scratch_.path() + ": is a directory\n");
+}
+
+// What apply records of an edit is larger than the edit.
+TEST(Replay, ReadsWhatIsLargerThanAnEditMayBe)
+{
+    const ScratchDirectory scratch;
+    const std::string recording =
+        scratch.write("recording", readText(testData("recordings/01-global-set.txt")) + "#" +
+                                       std::string(std::size_t{100} << 20U, ' ') + "\n");
+    const Outcome outcome = runAaanc({"replay", recording});
+    EXPECT_EQ(outcome.status, 0) << outcome.errors;
+}
+
+TEST(Replay, LogsNothingThatATerminalWouldObey)
+{
+    const ScratchDirectory scratch;
+    const std::string trace =
+        scratch.write("trace", "callback /orvek-aaa:sysAaa/aaaDomain/domainInfo event 1\n"
+                               "change CREATED old=- new=/orvek-aaa:sysAaa/aaaDomain/"
+                               "domainInfo[domainName='\\x1b[2J']/domainName|18|\\x1b[2J\n");
+    const Outcome outcome = runAaanc({"replay", "--log-level", "4", trace});
+    EXPECT_NE(outcome.errors.find("\\x1b[2J"), std::string::npos) << outcome.errors;
+    EXPECT_EQ(outcome.errors.find('\x1b'), std::string::npos);
 }
 
 TEST(Replay, HidesSharedKeys)

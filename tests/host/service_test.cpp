@@ -73,6 +73,25 @@ TEST(Service, RefusesWhatIsNotAsItShouldBe)
     EXPECT_TRUE(handler.state().objects().empty());
 }
 
+TEST(Service, SaysWhatIsNotAsItShouldBe)
+{
+    const auto reason = [](const ObjectRecord &object, const Bytes &block) {
+        return malformationOf({object, {0, static_cast<std::uint32_t>(block.size()), block}},
+                              decodeRequest(block));
+    };
+    const Bytes good = words({5, 1, 4, 15});
+    EXPECT_EQ(reason({5, 3, 0}, good), "");
+    EXPECT_EQ(reason({21, 3, 0}, good), "the object record has message type 21, the parameter 5");
+    EXPECT_EQ(reason({5, 4, 0}, good), "the object record has operation 4; for set it is 3");
+    EXPECT_EQ(reason({5, 3, 0}, words({5, 0, 4, 15})),
+              "the object record has operation 3; for undo it is 4");
+    EXPECT_EQ(reason({5, 3, 1}, good), "the last word of the object record is 1, not 0");
+    EXPECT_EQ(reason({5, 3, 0}, words({5, 1})), "8 bytes, fewer than the 12 of a header");
+    EXPECT_EQ(reason({5, 3, 0}, words({5, 1, 8, 15, 0})),
+              "length 8 and 8 bytes of payload; type 5 has 4");
+    EXPECT_EQ(reason({6, 3, 0}, words({6, 1, 4, 15})), "no message is of type 6");
+}
+
 TEST(Service, AcceptsWhatIsWithoutMeaningAndKeepsNothing)
 {
     RequestHandler handler;
