@@ -1,7 +1,7 @@
 // Commands print what the pages say.
 //
-// In docs/what-does-not-reach-the-service.md an indented block that begins with
-// "$ aaanc" is a command and its output; a line "..." stands for any lines.
+// On a page an indented block that begins with "$ aaanc" is a command and its
+// output; a line "..." stands for any lines.
 #include <filesystem>
 #include <span>
 
@@ -17,7 +17,6 @@ namespace aaanc::test
 namespace
 {
 
-constexpr const char *kPage = AAANC_DOCS "/what-does-not-reach-the-service.md";
 constexpr std::string_view kIndent = "    ";
 constexpr std::string_view kCommand = "    $ aaanc ";
 
@@ -48,11 +47,11 @@ std::vector<std::string> wordsOf(const std::string &command)
     return words;
 }
 
-std::vector<Transcript> transcripts()
+std::vector<Transcript> transcriptsOn(const char *page)
 {
     std::vector<Transcript> all;
     bool inside = false;
-    for (const std::string &line : lines(readText(kPage))) {
+    for (const std::string &line : lines(readText(page))) {
         if (line.starts_with(kCommand)) {
             all.push_back({wordsOf(line.substr(kCommand.size())), {}});
             inside = true;
@@ -91,16 +90,27 @@ Outcome runAtRoot(const std::vector<std::string> &arguments)
     return Process(scratch.path(), arguments).wait();
 }
 
-TEST(Docs, SayWhatDoesNotReachTheService)
+// How many transcripts are on a page, all of which are as it says.
+std::size_t expectTrue(const char *page)
 {
-    const std::vector<Transcript> all = transcripts();
-    EXPECT_GE(all.size(), 12U);
+    const std::vector<Transcript> all = transcriptsOn(page);
     for (const Transcript &transcript : all) {
         const Outcome outcome = runAtRoot(transcript.arguments);
         EXPECT_TRUE(matches(transcript.output, lines(outcome.output)))
             << transcript.arguments.back() << "\n"
             << outcome.output << outcome.errors;
     }
+    return all.size();
+}
+
+TEST(Docs, SayWhatDoesNotReachTheService)
+{
+    EXPECT_EQ(expectTrue(AAANC_DOCS "/what-does-not-reach-the-service.md"), 12U);
+}
+
+TEST(Docs, ShowTheJsonForm)
+{
+    EXPECT_EQ(expectTrue(AAANC_DOCS "/json-format.md"), 2U);
 }
 
 // What a key of so many bytes comes to, with the log lines of errors.
