@@ -87,6 +87,16 @@ TEST(Examples, AreAcceptedWhole)
     EXPECT_EQ(outcome.output.find("problem"), std::string::npos);
 }
 
+TEST(Help, TellsVersionAndExamples)
+{
+    const Outcome version = runAaanc({"--version"});
+    EXPECT_EQ(version.status, 0);
+    EXPECT_EQ(version.output, "aaanc " AAANC_VERSION "\n");
+    const Outcome help = runAaanc({"--help"});
+    EXPECT_EQ(help.status, 0);
+    EXPECT_NE(help.output.find("Examples:\n  aaanc apply "), std::string::npos);
+}
+
 TEST(Apply, HidesSharedKeys)
 {
     const ScratchDirectory scratch;
