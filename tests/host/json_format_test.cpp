@@ -1,5 +1,6 @@
 // What docs/json-format.md says of records, held against what aaanc prints in runs of
 // all kinds: a member that is printed is on the page, and what is on the page happens.
+#include <algorithm>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
@@ -28,13 +29,15 @@ constexpr const char *kMissing = "missing";
 using Members = std::map<std::string, std::set<std::string>>;
 using Records = std::map<std::string, Members>;
 
-std::vector<std::string> cellsOf(const std::string &row)
+// Of "| one | two |".
+std::vector<std::string> cellsOf(std::string_view row)
 {
     std::vector<std::string> cells;
-    for (std::size_t at = 1; at < row.size();) {
-        const std::size_t end = row.find('|', at);
-        cells.push_back(row.substr(at + 1, end - at - 2));
-        at = end + 1;
+    for (std::size_t end = 0; (end = row.find('|', 1)) != std::string_view::npos;) {
+        std::string_view cell = row.substr(1, end - 1);
+        cell.remove_prefix(std::min(cell.find_first_not_of(' '), cell.size()));
+        cells.emplace_back(cell.substr(0, cell.find_last_not_of(' ') + 1)); // npos + 1 is 0
+        row.remove_prefix(end);
     }
     return cells;
 }
