@@ -67,9 +67,10 @@ int serveAlone(const ServiceOptions &options, TerminationGuard &guard)
         return [file = service->file()] { file.remove(); };
     });
     guard.endBy([&] { service->stop(); });
-    writer->listening(options.socket);
     if (handler.isAway()) {
         service->leave();
+    } else {
+        writer->listening(options.socket);
     }
     service->serve();
     guard.endBy({});
