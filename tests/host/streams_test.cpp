@@ -28,12 +28,12 @@ int shell(const std::string &arguments)
 class Streams : public testing::Test
 {
 protected:
-    // The exit status; what it wrote to standard error is in `errors_`.
-    int run(const std::string &arguments)
+    // Runs it, and holds it to an exit status and to what it writes to standard error.
+    void expect(const std::string &arguments, int status, const std::string &errors)
     {
-        const int status = shell(arguments + " 2>" + scratch_.path() + "/errors");
-        errors_ = readText(scratch_.path() + "/errors");
-        return status;
+        const std::string file = scratch_.path() + "/errors";
+        EXPECT_EQ(shell(arguments + " 2>" + file), status) << arguments;
+        EXPECT_EQ(readText(file), errors) << arguments;
     }
 
     ScratchDirectory scratch_;
@@ -41,7 +41,6 @@ protected:
         scratch_.write("edit.json", R"({"orvek-aaa:sysAaa": {"aaaGlobal": {"startFailType": 1}}})");
     std::string dump_ = scratch_.write("dump", "00000015 00000001 00000001 02");
     std::string recording_ = testData("recordings/01-global-set.txt");
-    std::string errors_;
 };
 
 TEST_F(Streams, OutputThatIsLostIsToldAndIsNoSuccess)
@@ -50,19 +49,16 @@ TEST_F(Streams, OutputThatIsLostIsToldAndIsNoSuccess)
          {"apply " + edit_, "apply --json " + edit_, "replay " + recording_, "decode " + dump_,
           "decode --json " + dump_, std::string("--help"), std::string("apply --help"),
           std::string("--version")}) {
-        EXPECT_EQ(run(arguments + " >" + scratch_.path() + "/output"), 0) << arguments;
-        EXPECT_EQ(errors_, "") << arguments;
-        EXPECT_EQ(run(arguments + " >/dev/full"), 2) << arguments;
-        EXPECT_EQ(errors_, "aaanc: standard output: No space left on device\n") << arguments;
-        EXPECT_EQ(run(arguments + " >&-"), 2) << arguments;
-        EXPECT_EQ(errors_, "aaanc: standard output: Bad file descriptor\n") << arguments;
+        expect(arguments + " >" + scratch_.path() + "/output", 0, "");
+        expect(arguments + " >/dev/full", 2, "aaanc: standard output: No space left on device\n");
+        expect(arguments + " >&-", 2, "aaanc: standard output: Bad file descriptor\n");
     }
 }
 
 TEST_F(Streams, AFailureIsOneThoughOutputIsLost)
 {
-    EXPECT_EQ(run("apply --socket " + scratch_.path() + "/none " + edit_ + " >/dev/full"), 1);
-    EXPECT_EQ(errors_, "aaanc: standard output: No space left on device\n");
+    expect("apply --socket " + scratch_.path() + "/none " + edit_ + " >/dev/full", 1,
+           "aaanc: standard output: No space left on device\n");
 }
 
 TEST_F(Streams, APipeThatNobodyReadsIsNoSuccess)
@@ -70,8 +66,7 @@ TEST_F(Streams, APipeThatNobodyReadsIsNoSuccess)
     std::array<int, 2> ends{};
     ASSERT_EQ(pipe(ends.data()), 0);
     close(ends[0]);
-    EXPECT_EQ(run("apply " + edit_ + " >&" + std::to_string(ends[1])), 2);
-    EXPECT_EQ(errors_, "");
+    expect("apply " + edit_ + " >&" + std::to_string(ends[1]), 2, "");
     close(ends[1]);
 }
 
@@ -87,8 +82,7 @@ TEST_F(Streams, AnErrorThatCannotBeWrittenIsStillOne)
 
 TEST_F(Streams, StandardInputThatIsClosedIsAnError)
 {
-    EXPECT_EQ(run("apply - <&-"), 2);
-    EXPECT_EQ(errors_, "aaanc: standard input: Bad file descriptor\n");
+    expect("apply - <&-", 2, "aaanc: standard input: Bad file descriptor\n");
 }
 
 } // namespace
