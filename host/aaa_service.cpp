@@ -124,14 +124,10 @@ std::string malformationOf(const CmfRequest &request, const std::optional<Reques
         return fmt::format("{} bytes, fewer than the {} of a header", size, kHeaderSize);
     }
     const ObjectRecord &object = request.object;
-    if (object.type != decoded->type) {
-        return fmt::format("the object record has message type {}, the parameter {}", object.type,
-                           decoded->type);
-    }
-    const std::uint32_t operation = decoded->set != 0 ? kOperationSet : kOperationUndo;
-    if (object.operation != operation) {
-        return fmt::format("the object record has operation {}; for {} it is {}", object.operation,
-                           decoded->set != 0 ? "set" : "undo", operation);
+    const std::vector<std::string> problems =
+        objectProblems(*decoded, object.type, object.operation);
+    if (!problems.empty()) {
+        return problems.front();
     }
     if (object.zero != 0) {
         return fmt::format("the last word of the object record is {}, not 0", object.zero);

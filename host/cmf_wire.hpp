@@ -33,10 +33,6 @@ struct Parameter {
     Bytes data;
 };
 
-// The operations of an object record.
-constexpr std::uint32_t kOperationSet = 3;
-constexpr std::uint32_t kOperationUndo = 4;
-
 // What CMF_ClientContextObjSet() is given.
 struct ObjectRecord {
     std::uint32_t type = 0; // the message type

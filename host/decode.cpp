@@ -10,6 +10,7 @@
 #include "input_error.hpp"
 #include "input_file.hpp"
 #include "request_text.hpp"
+#include "standard_streams.hpp"
 
 namespace aaanc
 {
@@ -49,20 +50,9 @@ std::endian detectOrder(const Bytes &block)
 
 void checkObject(Request &request, const Bytes &object, std::endian order)
 {
-    constexpr std::uint32_t kSet = 3;
-    constexpr std::uint32_t kUndo = 4;
-    const std::uint32_t type = wordAt(object, 0, order);
-    const std::uint32_t operation = wordAt(object, 4, order);
-    const std::uint32_t expected = request.set != 0 ? kSet : kUndo;
-    if (type != request.type) {
-        request.problems.push_back(fmt::format(
-            "the object record has message type {}, the parameter {}", type, request.type));
-    }
-    if (operation != expected) {
-        request.problems.push_back(
-            fmt::format("the object record has operation {}; for {} it is {}", operation,
-                        request.set != 0 ? "set" : "undo", expected));
-    }
+    const std::vector<std::string> problems =
+        objectProblems(request, wordAt(object, 0, order), wordAt(object, 4, order));
+    request.problems.insert(request.problems.end(), problems.begin(), problems.end());
     for (std::size_t i = 8; i < kObjectSize; ++i) {
         if (object[i] != std::byte{0}) {
             request.problems.push_back(
@@ -170,14 +160,14 @@ int decode(const DecodeOptions &options)
             object["hex"] = hexText(decoded.block, is_hidden);
         }
         // A text that is not UTF-8 has its odd bytes replaced; its bytes are in "hex".
-        fmt::print("{}\n", object.dump(-1, ' ', false, Json::error_handler_t::replace));
+        writeOutput(stdout, object.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n");
     } else {
         std::string text = title(decoded, options.type.has_value());
         text += requestRows(decoded.request, output.show_keys);
         if (output.hex) {
             text += hexDump(decoded.block, "      ", is_hidden);
         }
-        fmt::print("{}", text);
+        writeOutput(stdout, text);
     }
     return decoded.request.problems.empty() ? 0 : 1;
 }

@@ -293,6 +293,24 @@ std::optional<Request> decodeRequest(std::span<const std::byte> block, std::endi
     return request;
 }
 
+std::vector<std::string> objectProblems(const Request &request, std::uint32_t type,
+                                        std::uint32_t operation)
+{
+    constexpr std::uint32_t kSet = 3;
+    constexpr std::uint32_t kUndo = 4;
+    std::vector<std::string> problems;
+    if (type != request.type) {
+        problems.push_back(fmt::format("the object record has message type {}, the parameter {}",
+                                       type, request.type));
+    }
+    const std::uint32_t expected = request.set != 0 ? kSet : kUndo;
+    if (operation != expected) {
+        problems.push_back(fmt::format("the object record has operation {}; for {} it is {}",
+                                       operation, request.set != 0 ? "set" : "undo", expected));
+    }
+    return problems;
+}
+
 bool isWithoutMeaning(const Request &request)
 {
     constexpr std::uint32_t kDomainType = 0;

@@ -81,6 +81,11 @@ std::uint32_t wordAt(std::span<const std::byte> bytes, std::size_t offset, std::
 std::optional<Request> decodeRequest(std::span<const std::byte> block,
                                      std::endian order = std::endian::native);
 
+// What does not fit a request in the first two words of its object record: message
+// type and operation.
+std::vector<std::string> objectProblems(const Request &request, std::uint32_t type,
+                                        std::uint32_t operation);
+
 // A request by design without meaning: it is accepted and changes nothing.
 bool isWithoutMeaning(const Request &request);
 

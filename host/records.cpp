@@ -35,10 +35,10 @@ std::string failureText(const Exchange &exchange)
 
 } // namespace
 
-std::string_view eventName(std::uint32_t event)
+std::string eventName(std::uint32_t event)
 {
-    constexpr std::array<std::string_view, 4> kNames = {"verify", "apply", "abort", "enabled"};
-    return event < kNames.size() ? kNames[event] : "unknown event";
+    constexpr std::array<const char *, 4> kNames = {"verify", "apply", "abort", "enabled"};
+    return event < kNames.size() ? kNames[event] : fmt::format("event {}", event);
 }
 
 std::string requestTitle(const Request &request)

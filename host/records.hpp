@@ -80,8 +80,8 @@ public:
     virtual void summary(const Summary &summary) = 0;
 };
 
-// "verify", "apply", "abort", "enabled".
-std::string_view eventName(std::uint32_t event);
+// "verify", "apply", "abort", "enabled"; "event 77" for one that sysrepo does not have.
+std::string eventName(std::uint32_t event);
 // What to call a request: "set accounting interval (type 5)".
 std::string requestTitle(const Request &request);
 Answer answerOf(const Exchange &exchange);

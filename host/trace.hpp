@@ -3,7 +3,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <filesystem>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -26,11 +25,9 @@ struct Trace {
     std::vector<RecordedCallback> callbacks;
 };
 
-// Reads a file ("-" is standard input). A plug-in takes the type of a leaf on
-// trust, so one that is not of the kind that `schema` has is refused. Throws
-// InputError, whose message quotes no text of a value: it may be a shared key.
-Trace readTrace(const Schema &schema, const std::filesystem::path &file);
-// The same for a text that has been read already.
+// Reads the text of file `name`. A plug-in takes the type of a leaf on trust, so
+// one that is not of the kind that `schema` has is refused. Throws InputError,
+// whose message quotes no text of a value: it may be a shared key.
 Trace readTrace(const Schema &schema, const std::string &name, std::string_view text);
 
 // The lines of a callback, as they are read.

@@ -8,7 +8,6 @@
 #include <fmt/format.h>
 
 #include "input_error.hpp"
-#include "input_file.hpp"
 #include "printable.hpp"
 #include "sysrepo.h"
 #include "trace.hpp"
@@ -286,11 +285,6 @@ private:
 Trace readTrace(const Schema &schema, const std::string &name, std::string_view text)
 {
     return TraceReader(schema, name).run(text);
-}
-
-Trace readTrace(const Schema &schema, const std::filesystem::path &file)
-{
-    return readTrace(schema, inputName(file), readInput(file));
 }
 
 } // namespace aaanc
