@@ -31,6 +31,12 @@ struct Way {
     bool kept;          // by the service
 };
 
+// In the list of tests.
+void PrintTo(const Way &way, std::ostream *stream)
+{
+    *stream << way.manner;
+}
+
 constexpr Way kWays[] = {
     {"Refuse", "refuse 43", true, false},
     {"Late", "late 0.01", false, true},

@@ -63,6 +63,12 @@ struct Text {
     const char *error; // behind the name of the file
 };
 
+// In the list of tests.
+void PrintTo(const Text &text, std::ostream *stream)
+{
+    *stream << text.name;
+}
+
 class HostileText : public testing::TestWithParam<Text>
 {
 };
