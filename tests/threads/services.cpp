@@ -51,12 +51,13 @@ bool fieldIsClean(const FieldLayout &field, Block payload)
 bool isClean(Block block)
 {
     const auto decoded = decodeRequest(block);
-    if (!decoded || !decoded->fits) {
+    if (!decoded || decoded->length == 0) {
         return decoded && isWithoutMeaning(*decoded);
     }
-    return std::ranges::all_of(decoded->layout->fields, [&](const FieldLayout &field) {
+    const auto is_clean = [&](const FieldLayout &field) {
         return fieldIsClean(field, block.subspan(kHeaderSize));
-    });
+    };
+    return decoded->fits && std::ranges::all_of(decoded->layout->fields, is_clean);
 }
 
 Bytes bytesOf(const std::string &hex)
