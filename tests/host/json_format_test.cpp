@@ -6,11 +6,11 @@
 #include <filesystem>
 #include <map>
 #include <set>
-#include <thread>
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include "alone.hpp"
 #include "cmf_wire.hpp"
 #include "process.hpp"
 #include "support.hpp"
@@ -167,18 +167,13 @@ std::string outputOfService()
 {
     const ScratchDirectory scratch;
     const std::string socket = scratch.path() + "/aaa.sock";
-    Process service(scratch.path(), {"service", "--json", "--socket", socket});
-    std::optional<Descriptor> connection;
-    for (int i = 0; i < 1000 && !connection; ++i) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-        connection = connectTo(socket, std::chrono::seconds(1));
-    }
+    Alone service(scratch.path(), {"--json"});
+    const auto connection = connectTo(socket, std::chrono::seconds(1));
     EXPECT_TRUE(connection);
     sendPacket(*connection, Bytes(4));
     receivePacket(*connection);
     runAaanc({"apply", "--no-enabled", "--socket", socket, example("interval.xml")});
-    kill(service.id(), SIGTERM);
-    return service.wait().output;
+    return service.end(SIGTERM).output;
 }
 
 Records printed()

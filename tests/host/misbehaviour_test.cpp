@@ -9,6 +9,7 @@
 #include <nlohmann/json.hpp>
 
 #include "aaa_service.hpp"
+#include "alone.hpp"
 #include "misbehaviour.hpp"
 #include "process.hpp"
 #include "support.hpp"
@@ -111,13 +112,11 @@ TEST_P(Misbehaving, AloneItDoesTheSame)
     const ScratchDirectory client;
     const std::string socket = scratch.path() + "/aaa.sock";
     const std::string edit = client.write("edit.json", kThreeDomains);
-    Process service(scratch.path(), {"service", "--json", "--socket", "aaa.sock", "--misbehave",
-                                     fmt::format("request 2: {}", way.manner)});
-    EXPECT_TRUE(eventually([&] { return std::filesystem::exists(socket); }));
+    Alone service(scratch.path(),
+                  {"--json", "--misbehave", fmt::format("request 2: {}", way.manner)});
     const Outcome outcome = runAaanc(
         {"apply", "--json", "--no-enabled", "--receive-timeout", "0.3", "--socket", socket, edit});
-    kill(service.id(), SIGTERM);
-    const Outcome served = service.wait();
+    const Outcome served = service.end(SIGTERM);
     EXPECT_EQ(served.status, 128 + SIGTERM);
     EXPECT_FALSE(std::filesystem::exists(socket));
     EXPECT_EQ(outcome.status, way.ends_the_walk ? 1 : 0);

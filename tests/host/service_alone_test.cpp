@@ -14,6 +14,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "alone.hpp"
 #include "canary.hpp"
 #include "cmf_wire.hpp"
 #include "process.hpp"
@@ -24,37 +25,6 @@ namespace aaanc::test
 
 namespace
 {
-
-// A service that runs alone, until it is told to end.
-class Alone
-{
-public:
-    explicit Alone(const std::string &directory, std::vector<std::string> options = {})
-        : process_(directory, arguments(std::move(options)))
-    {
-        EXPECT_TRUE(eventually([&] {
-            return connectTo(directory + "/aaa.sock", std::chrono::seconds(1)).has_value();
-        }));
-    }
-    void send(int signal)
-    {
-        kill(process_.id(), signal);
-    }
-    Outcome end(int signal)
-    {
-        send(signal);
-        return process_.wait();
-    }
-
-private:
-    static std::vector<std::string> arguments(std::vector<std::string> options)
-    {
-        options.insert(options.begin(), {"service", "--socket", "aaa.sock"});
-        return options;
-    }
-
-    Process process_;
-};
 
 TEST(ServiceAlone, TellsRequestsAndEndsBySignal)
 {
