@@ -72,10 +72,10 @@ public:
             data.uint32_val = value;
     }
 
-    // Where the callback looks for fewer leaves than there are.
-    void looksFor(LeafNames names)
+    // Where the callback looks for one leaf only.
+    void looksFor(const std::string &leaf)
     {
-        workload_.names = std::move(names);
+        workload_.names = {kept(leaf)};
     }
 
     template <typename Record> void request(AaaNcMsgType type, const Record &record)
@@ -148,7 +148,7 @@ Workload serverGroup()
         put(info.groupName, name);
         writer.request(AAA_NC_MSG_RADIUS_GROUP, info);
     }
-    writer.looksFor({"serverGroupType"});
+    writer.looksFor("serverGroupType");
     return writer.written();
 }
 
@@ -167,7 +167,7 @@ Workload serverGroupVrf()
         put(info.vrfName, "mgmt");
         writer.request(AAA_NC_MSG_RADIUS_GROUP_VRF, info);
     }
-    writer.looksFor({"vrfName"});
+    writer.looksFor("vrfName");
     return writer.written();
 }
 
