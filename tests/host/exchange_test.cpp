@@ -109,8 +109,7 @@ protected:
 
     ScratchDirectory scratch_;
     Exchanges exchanges_;
-    CmfEndpoint endpoint_{scratch_.path() + "/aaa.sock", std::chrono::milliseconds(100),
-                          &exchanges_};
+    CmfEndpoint endpoint_{scratch_.path() + "/aaa.sock", std::chrono::seconds(10), &exchanges_};
 };
 
 // A service that takes one connection, reads one packet, and then does as told.
@@ -257,6 +256,7 @@ TEST_F(Exchanging, NoAnswerEndsInAReceiveErrorAtTheTimeLimit)
         receivePacket(connection); // the request
         receivePacket(connection); // the client's end
     });
+    endpoint_.time_limit = std::chrono::milliseconds(100);
     const auto begin = std::chrono::steady_clock::now();
     const Got got = accountInterval(15);
     EXPECT_GE(std::chrono::steady_clock::now() - begin, endpoint_.time_limit);

@@ -88,7 +88,7 @@ TEST_P(Misbehaving, AtEachRequestEndsAsItShould)
     for (std::size_t number = 1; number <= names.size(); ++number) {
         const auto begin = std::chrono::steady_clock::now();
         const Outcome outcome =
-            runAaanc({"apply", "--json", "--no-enabled", "--receive-timeout", "0.3", "--misbehave",
+            runAaanc({"apply", "--json", "--no-enabled", "--receive-timeout", "1", "--misbehave",
                       fmt::format("request {}: {}", number, way.manner), edit});
         EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(10));
         EXPECT_EQ(outcome.status, way.ends_the_walk ? 1 : 0) << outcome.errors;
@@ -115,7 +115,7 @@ TEST_P(Misbehaving, AloneItDoesTheSame)
     Alone service(scratch.path(),
                   {"--json", "--misbehave", fmt::format("request 2: {}", way.manner)});
     const Outcome outcome = runAaanc(
-        {"apply", "--json", "--no-enabled", "--receive-timeout", "0.3", "--socket", socket, edit});
+        {"apply", "--json", "--no-enabled", "--receive-timeout", "1", "--socket", socket, edit});
     const Outcome served = service.end(SIGTERM);
     EXPECT_EQ(served.status, 128 + SIGTERM);
     EXPECT_FALSE(std::filesystem::exists(socket));
