@@ -17,9 +17,6 @@ namespace aaanc::bench
 namespace
 {
 
-constexpr std::uint8_t kIpv4 = 2;
-constexpr std::uint8_t kIpv6 = 10;
-
 char *kept(std::string text)
 {
     static std::deque<std::string> texts;
@@ -189,13 +186,13 @@ const std::vector<std::string> &addresses(std::uint8_t family)
 {
     static const std::vector<std::string> kIpv4Addresses = {"192.0.2.10", "192.0.2.11"};
     static const std::vector<std::string> kIpv6Addresses = {"2001:db8::10", "2001:db8::11"};
-    return family == kIpv4 ? kIpv4Addresses : kIpv6Addresses;
+    return family == AAA_NC_FAMILY_IPV4 ? kIpv4Addresses : kIpv6Addresses;
 }
 
 Workload radius(std::uint8_t family, const std::vector<std::string> &addresses)
 {
-    const std::string version = family == kIpv4 ? "ipv4" : "ipv6";
-    const std::string start = family == kIpv4 ? "radiusIpv4" : "radiusIpv6";
+    const std::string version = family == AAA_NC_FAMILY_IPV4 ? "ipv4" : "ipv6";
+    const std::string start = family == AAA_NC_FAMILY_IPV4 ? "radiusIpv4" : "radiusIpv6";
     Writer writer("radius-" + version,
                   kept("/orvek-aaa:sysAaa/" + start + "Server/" + start + "ServerInfo"),
                   floorRadius);
@@ -227,8 +224,8 @@ Workload radius(std::uint8_t family, const std::vector<std::string> &addresses)
 
 Workload tacacs(std::uint8_t family)
 {
-    const std::string version = family == kIpv4 ? "ipv4" : "ipv6";
-    const std::string start = family == kIpv4 ? "tacacsIpv4" : "tacacsIpv6";
+    const std::string version = family == AAA_NC_FAMILY_IPV4 ? "ipv4" : "ipv6";
+    const std::string start = family == AAA_NC_FAMILY_IPV4 ? "tacacsIpv4" : "tacacsIpv6";
     Writer writer("tacacs-" + version,
                   kept("/orvek-aaa:sysAaa/" + start + "Server/" + start + "ServerInfo"),
                   floorTacacs);
@@ -334,7 +331,7 @@ Workload radiusServers(std::size_t count)
     for (std::size_t i = 0; i < count; ++i)
         servers.push_back("10." + std::to_string(i >> 16U) + '.' + std::to_string(i >> 8U & 255U) +
                           '.' + std::to_string(i & 255U));
-    return radius(kIpv4, servers);
+    return radius(AAA_NC_FAMILY_IPV4, servers);
 }
 
 const std::vector<Workload> &workloads()
@@ -345,10 +342,10 @@ const std::vector<Workload> &workloads()
         serverGroup(),
         serverGroupVrf(),
         domain(),
-        radius(kIpv4, addresses(kIpv4)),
-        radius(kIpv6, addresses(kIpv6)),
-        tacacs(kIpv4),
-        tacacs(kIpv6),
+        radius(AAA_NC_FAMILY_IPV4, addresses(AAA_NC_FAMILY_IPV4)),
+        radius(AAA_NC_FAMILY_IPV6, addresses(AAA_NC_FAMILY_IPV6)),
+        tacacs(AAA_NC_FAMILY_IPV4),
+        tacacs(AAA_NC_FAMILY_IPV6),
         domainAuthen(),
         domainAccount(),
     };

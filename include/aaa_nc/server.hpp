@@ -3,11 +3,14 @@
 
 #include "aaa_nc/layout.hpp"
 
+// AaaNcServerName::family
+enum : std::uint8_t { AAA_NC_FAMILY_IPV4 = 2, AAA_NC_FAMILY_IPV6 = 10 };
+
 // The group and address of a server.
 struct AaaNcServerName {
     char groupName[33];         // NUL-terminated, at most 32 characters
     char Addr[48];              // address text, NUL-terminated, at most 47 characters
-    std::uint8_t family;        // 2 IPv4, 10 IPv6
+    std::uint8_t family;        // AAA_NC_FAMILY_..., 0 without an address
     std::uint8_t reserved82[2]; // zero
 };
 

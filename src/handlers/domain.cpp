@@ -49,7 +49,7 @@ static constexpr AaaNcHandler kDomain = {
      AAA_NC_NO_LEAF_NAME},
     AAA_NC_NO_LEAF,
     AAA_NC_BAD_CHANGE,
-    {{52, 49}, AAA_NC_BAD_CHANGE, AAA_NC_REFUSED},
+    {{52, 49}, 8, 1},
     domainChange,
     nullptr,
 };

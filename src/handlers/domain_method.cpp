@@ -1,8 +1,8 @@
 // /orvek-aaa:sysAaa/aaaDomainAuthenInfo/authenInfo and
 // /orvek-aaa:sysAaa/aaaDomainAccountInfo/accountInfo: a domain's 802.1X method
-// list, for authentication and for accounting. Leaves are gathered until the
-// record is complete; it goes out with the next node that is none of the table's,
-// such as the next entry's own, or at the end.
+// list, for authentication and for accounting. Leaves are gathered; the record goes
+// out once it is complete and a node that is none of the table's, such as the next
+// entry's own, has come behind the domain name, or else at the end.
 #include "aaa_nc/domain_method.hpp"
 
 #include <cstring>
@@ -239,7 +239,7 @@ static constexpr MethodHandler kAuthen = {
       AAA_NC_LOG_TEXT("Recv node is %s."), AAA_NC_NO_NODE},
      AAA_NC_FAILED,
      AAA_NC_BAD_CHANGE,
-     {{}, 0, AAA_NC_FAILED},
+     {{}, 0, 7},
      methodChange,
      methodEnd},
     AAA_NC_LOG_TEXT("Set domain authen info: groupName=%s, type=%d."),
@@ -262,7 +262,7 @@ static constexpr MethodHandler kAccount = {
       AAA_NC_LOG_TEXT("Recv node is %s."), AAA_NC_NO_NODE},
      AAA_NC_FAILED,
      AAA_NC_BAD_CHANGE,
-     {{}, 0, AAA_NC_FAILED},
+     {{}, 0, 7},
      methodChange,
      methodEnd},
     AAA_NC_LOG_TEXT("Set domain account info: groupName=%s, type=%d."),

@@ -59,6 +59,9 @@ static constexpr AaaNcLeaf kLeaves[] = {
 };
 // clang-format on
 
+static_assert(aaaNcServerFieldsFit(kLeaves) &&
+              aaaNcFieldsFit(kLeaves, radiusKeyStore, sizeof(AaaNcServerKey)));
+
 // Stores the low 32 bits of strtol(). Nearly every port is a few digits, and both
 // are read at each change, so those are not left to it.
 static void portKeyStore(char *field, const char *text, std::size_t /*size*/)
@@ -187,7 +190,7 @@ static constexpr RadiusHandler kRadiusIpv4 = {
       AAA_NC_LOG_TEXT("Recv node is %s."), AAA_NC_NO_LEAF_NAME},
      AAA_NC_NO_LEAF,
      AAA_NC_BAD_CHANGE,
-     {{43}, AAA_NC_NO_LEAF, AAA_NC_REFUSED},
+     {{43}, 5, 1},
      radiusChange,
      radiusEnd},
     AAA_NC_FIRST,
@@ -204,13 +207,13 @@ static constexpr RadiusHandler kRadiusIpv6 = {
       AAA_NC_LOG_TEXT("Recv node is %s."), AAA_NC_NO_LEAF_NAME},
      AAA_NC_NO_LEAF,
      AAA_NC_BAD_CHANGE,
-     {{43}, AAA_NC_NO_LEAF, AAA_NC_REFUSED},
+     {{43}, 5, 1},
      radiusChange,
      radiusEnd},
     AAA_NC_SECOND,
     AAA_NC_FAMILY_IPV6,
     "radiusIpv6ServerInfo",
-    AAA_NC_FAILED, // even for 43, which tells more at any other request
+    7, // even for 43, which tells more at any other request
 };
 
 static int radiusConfChanges(const RadiusHandler &handler, sr_session_ctx_t *session,

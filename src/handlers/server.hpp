@@ -4,9 +4,6 @@
 #include "aaa_nc/server.hpp"
 #include "walk/gather.hpp"
 
-// AaaNcServerName::family
-enum : std::uint8_t { AAA_NC_FAMILY_IPV4 = 2, AAA_NC_FAMILY_IPV6 = 10 };
-
 // A walk that gathers a server.
 struct AaaNcServerWalk : AaaNcGather {
     std::uint8_t family; // of the list's addresses
@@ -22,10 +19,19 @@ struct AaaNcServerWalk : AaaNcGather {
 bool aaaNcServerAddrIsBad(const AaaNcServerName &name);
 
 // Ways to store a value. The leaf's field is an AaaNcServerName's address ...
-int aaaNcServerAddrStore(AaaNcGather &gather, const AaaNcLeaf &leaf, const sr_val_t &value);
+AaaNcStore aaaNcServerAddrStore;
 // ... or an AaaNcServerKey. A key is hexadecimal text, whatever its type, and is
 // filed by the key type that stands in the record when it arrives; a key type
 // that comes later does not move it. A key that cannot be decoded, or that is
 // too long (logged), ends the walk with 7.
-int aaaNcServerKeyTypeStore(AaaNcGather &gather, const AaaNcLeaf &leaf, const sr_val_t &value);
-int aaaNcServerKeyStore(AaaNcGather &gather, const AaaNcLeaf &leaf, const sr_val_t &value);
+AaaNcStore aaaNcServerKeyTypeStore;
+AaaNcStore aaaNcServerKeyStore;
+
+// Whether the fields of a server's leaves are those that are stored.
+template <std::size_t N> constexpr bool aaaNcServerFieldsFit(const AaaNcLeaf (&leaves)[N])
+{
+    return aaaNcNumbersFit(leaves) &&
+           aaaNcFieldsFit(leaves, aaaNcServerAddrStore, sizeof(AaaNcServerName)) &&
+           aaaNcFieldsFit(leaves, aaaNcServerKeyTypeStore, sizeof(AaaNcServerKey)) &&
+           aaaNcFieldsFit(leaves, aaaNcServerKeyStore, sizeof(AaaNcServerKey));
+}

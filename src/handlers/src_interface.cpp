@@ -7,7 +7,7 @@
 #include "walk/gather.hpp"
 #include "walk/text.hpp"
 
-enum : std::uint32_t { kSeenName = 1, kSeenVrf = 2, kSeenBoth = 3 };
+enum : std::uint32_t { kSeenName = 1, kSeenVrf = 2 };
 
 struct SrcInterfaceWalk : AaaNcGather {
     AaaNcSrcInterfaceInfo info{};
@@ -28,12 +28,14 @@ static constexpr AaaNcLeaf kLeaves[] = {
     {"vrfName", kSeenVrf, boundedTextStore, AAA_NC_IN(AaaNcSrcInterfaceInfo, vrfName)},
 };
 
+static constexpr std::uint32_t kSeenBoth = aaaNcSeenBits(kLeaves);
+
 static int srcInterfaceChange(AaaNcWalk &base, const AaaNcChange &change)
 {
     auto &walk = static_cast<SrcInterfaceWalk &>(base);
     const AaaNcLeaf *leaf = aaaNcLeafFind(kLeaves, AAA_NC_FIRST, change.leaf);
     if (leaf != nullptr) {
-        aaaNcLeafStore(walk, *leaf, change);
+        aaaNcLeafStore(walk, *leaf, change); // a text never fails
     }
     if (walk.seen != kSeenBoth) {
         return 0;
@@ -52,7 +54,7 @@ static constexpr AaaNcHandler kSrcInterface = {
      AAA_NC_LOG_TEXT("Source interface node name %s."), AAA_NC_NO_LEAF_NAME},
     AAA_NC_NO_LEAF,
     AAA_NC_BAD_CHANGE,
-    {{}, 0, AAA_NC_FAILED},
+    {{}, 0, 7},
     srcInterfaceChange,
     nullptr,
 };

@@ -12,8 +12,7 @@ enum : std::uint32_t {
     kSeenPort = 0x04,
     kSeenKeyType = 0x10,
     kSeenKey = 0x20,
-    kSeenPriority = 0x40,
-    kSeenAll = kSeenGroupName | kSeenAddr | kSeenPort | kSeenKeyType | kSeenKey | kSeenPriority
+    kSeenPriority = 0x40
 };
 
 // What tells the IPv4 list from the IPv6 list, beside names and texts.
@@ -32,6 +31,8 @@ struct TacacsWalk : AaaNcServerWalk {
     }
 };
 
+// Every leaf has a bit of its own and is required: the request goes out with the
+// last of them, and one that came behind it would be the next server's.
 // A key that comes before its type counts as a plain key: the type in the record
 // is 0 until then.
 // clang-format off
@@ -50,6 +51,10 @@ static constexpr AaaNcLeaf kLeaves[] = {
      kSeenPriority, aaaNcUint8Store, AAA_NC_IN(AaaNcTacacsServerInfo, priority)},
 };
 // clang-format on
+
+static_assert(aaaNcServerFieldsFit(kLeaves));
+
+static constexpr std::uint32_t kSeenAll = aaaNcSeenBits(kLeaves);
 
 static int tacacsSend(TacacsWalk &walk)
 {
@@ -88,7 +93,7 @@ static constexpr TacacsHandler kTacacsIpv4 = {
       AAA_NC_LOG_TEXT("Recv node is %s."), AAA_NC_NO_NODE},
      AAA_NC_FAILED,
      AAA_NC_BAD_CHANGE,
-     {{}, 0, AAA_NC_FAILED},
+     {{}, 0, 7},
      tacacsChange,
      nullptr},
     AAA_NC_FIRST,
@@ -103,7 +108,7 @@ static constexpr TacacsHandler kTacacsIpv6 = {
       AAA_NC_LOG_TEXT("Recv node is %s."), AAA_NC_NO_NODE},
      AAA_NC_FAILED,
      AAA_NC_BAD_CHANGE,
-     {{}, 0, AAA_NC_FAILED},
+     {{}, 0, 7},
      tacacsChange,
      nullptr},
     AAA_NC_SECOND,

@@ -29,7 +29,7 @@ int aaaNcTextStore(AaaNcGather &gather, const AaaNcLeaf &leaf, const sr_val_t &v
     return 0;
 }
 
-// Every number of a record takes 32 bits.
+// Every number that is gathered takes 32 bits in its record.
 static int numberStore(AaaNcGather &gather, const AaaNcLeaf &leaf, std::uint32_t number)
 {
     std::memcpy(gather.record + leaf.offset, &number, sizeof(number));

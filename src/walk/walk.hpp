@@ -23,10 +23,10 @@ struct AaaNcChange {
 
 // Results of a callback that are the plug-in's own.
 enum {
-    AAA_NC_REFUSED = 1,   // a name, address or groups of no use, or a refused request
-    AAA_NC_NO_LEAF = 5,   // no leaf name, or a refused request
-    AAA_NC_FAILED = 7,    // a failed step, or a refused request
-    AAA_NC_BAD_CHANGE = 8 // neither created, modified nor deleted, or a refused request
+    AAA_NC_REFUSED = 1,   // a name, address or groups of no use
+    AAA_NC_NO_LEAF = 5,   // no leaf name
+    AAA_NC_FAILED = 7,    // a failed step
+    AAA_NC_BAD_CHANGE = 8 // neither created, modified nor deleted
 };
 
 // What tells one subtree's walk from another's.
@@ -49,7 +49,8 @@ struct AaaNcHandler {
     int noLeafResult;    // where a change has no leaf name
     int badChangeResult; // where it has no value for its operation; 0 skips it
 
-    // Results for a request that the service refuses or that fails on its way.
+    // Results for a request that the service refuses or that fails on its way. They
+    // are the subtree's own, whatever the same numbers mean elsewhere.
     struct {
         int codes[2]; // for these codes (0: none) ...
         int result;   // ... this one,
@@ -70,7 +71,7 @@ struct AaaNcWalk {
     bool keepsIter = false;                // the iterator is not to be freed
 };
 
-// Texts and results that more than one handler uses.
+// Texts that more than one handler uses.
 #define AAA_NC_NO_LEAF_NAME AAA_NC_LOG_TEXT("Get last node name in xpath %s failed.")
 #define AAA_NC_NO_NODE AAA_NC_LOG_TEXT("AAA get node failed, path: %s.")
 

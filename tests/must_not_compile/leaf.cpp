@@ -1,0 +1,31 @@
+// Tables of leaves whose fields are not of the size that is stored. Each case is
+// compiled alone and must fail; without a case the file compiles.
+#include "handlers/server.hpp"
+
+struct Record {
+    AaaNcServerName name;
+    AaaNcServerKey key;
+    std::uint32_t number;
+    std::uint8_t small;
+};
+
+constexpr AaaNcLeaf kLeaves[] = {
+    {"addr", 1, aaaNcServerAddrStore, AAA_NC_IN(Record, name)},
+    {"keyType", 2, aaaNcServerKeyTypeStore, AAA_NC_IN(Record, key)},
+    {"key", 4, aaaNcServerKeyStore, AAA_NC_IN(Record, key)},
+    {"byte", 8, aaaNcUint8Store, AAA_NC_IN(Record, number)},
+    {"port", 16, aaaNcUint16Store, AAA_NC_IN(Record, number)},
+#if defined(BYTE_INTO_ONE_BYTE)
+    {"more", 32, aaaNcUint8Store, AAA_NC_IN(Record, small)},
+#elif defined(PORT_INTO_ONE_BYTE)
+    {"more", 32, aaaNcUint16Store, AAA_NC_IN(Record, small)},
+#elif defined(ADDRESS_INTO_ITS_TEXT)
+    {"more", 32, aaaNcServerAddrStore, AAA_NC_IN(Record, name.Addr)},
+#elif defined(KEY_TYPE_INTO_A_NUMBER)
+    {"more", 32, aaaNcServerKeyTypeStore, AAA_NC_IN(Record, key.keyType)},
+#elif defined(KEY_INTO_ITS_TEXT)
+    {"more", 32, aaaNcServerKeyStore, AAA_NC_IN(Record, key.plainKey)},
+#endif
+};
+
+static_assert(aaaNcServerFieldsFit(kLeaves));
