@@ -60,7 +60,7 @@ void addPairs(std::vector<Node> &nodes, const std::string &servers)
 Schema authentication()
 {
     std::vector<Node> nodes = {{"authDomainName", Content::DomainName, true},
-                               {"authenProtocol", Content::Protocol}};
+                               {"authenProtocol", Content::Protocol, true}};
     addPairs(nodes, "authenServerGroup");
     return list("aaaNcDomainAuthenConfChanges", nodes);
 }
@@ -68,7 +68,7 @@ Schema authentication()
 Schema accounting()
 {
     std::vector<Node> nodes = {{"accountDomainName", Content::DomainName, true},
-                               {"accountProtocol", Content::Protocol},
+                               {"accountProtocol", Content::Protocol, true},
                                {"accountStage", Content::Stage}};
     addPairs(nodes, "accountServerGroup");
     return list("aaaNcDomainAccountConfChanges", nodes);
