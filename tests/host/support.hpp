@@ -52,6 +52,21 @@ inline const Schema &schema()
     return loaded;
 }
 
+// The nodes below a schema node that hold a value, in order.
+inline std::vector<const lysc_node *> leavesBelow(const lysc_node *top)
+{
+    std::vector<const lysc_node *> leaves;
+    const lysc_node *node = nullptr;
+    LYSC_TREE_DFS_BEGIN(top, node)
+    {
+        if ((node->nodetype & LYD_NODE_TERM) != 0) {
+            leaves.push_back(node);
+        }
+        LYSC_TREE_DFS_END(top, node)
+    }
+    return leaves;
+}
+
 // The data of a start-up configuration in a file.
 inline DataTree configuration(const std::filesystem::path &file)
 {
