@@ -1,6 +1,5 @@
 // What docs/json-format.md says of records, held against what aaanc prints in runs of
 // all kinds: a member that is printed is on the page, and what is on the page happens.
-#include <algorithm>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
@@ -12,6 +11,7 @@
 
 #include "alone.hpp"
 #include "cmf_wire.hpp"
+#include "page.hpp"
 #include "process.hpp"
 #include "support.hpp"
 
@@ -28,25 +28,6 @@ constexpr const char *kMissing = "missing";
 // The types of each member, by record: "number", "null", ..., and kMissing.
 using Members = std::map<std::string, std::set<std::string>>;
 using Records = std::map<std::string, Members>;
-
-// Of "| one | two |".
-std::vector<std::string> cellsOf(std::string_view row)
-{
-    std::vector<std::string> cells;
-    for (std::size_t end = 0; (end = row.find('|', 1)) != std::string_view::npos;) {
-        std::string_view cell = row.substr(1, end - 1);
-        cell.remove_prefix(std::min(cell.find_first_not_of(' '), cell.size()));
-        cells.emplace_back(cell.substr(0, cell.find_last_not_of(' ') + 1)); // npos + 1 is 0
-        row.remove_prefix(end);
-    }
-    return cells;
-}
-
-std::string withoutQuotes(std::string text)
-{
-    std::erase(text, '`');
-    return text;
-}
 
 // "string or null, optional"
 std::set<std::string> typesOf(const std::string &text)
