@@ -137,21 +137,21 @@ static int nothingStore(AaaNcGather & /*gather*/, const AaaNcLeaf & /*leaf*/,
 // The two leaves of group pair `pair`.
 static constexpr AaaNcLeaf groupTypeLeaf(AaaNcNames names, std::uint32_t pair)
 {
-    return {names, kSeenType | 1U << (kTypeShift + pair), groupTypeStore, 0, 0};
+    return {names, kSeenType | 1U << (kTypeShift + pair), {groupTypeStore, 0}, 0, 0};
 }
 
 static constexpr AaaNcLeaf groupNameLeaf(AaaNcNames names, std::uint32_t pair)
 {
-    return {names, kSeenName | 1U << (kNameShift + pair), groupNameStore, 0, 0};
+    return {names, kSeenName | 1U << (kNameShift + pair), {groupNameStore, 0}, 0, 0};
 }
 
 static constexpr AaaNcLeaf kLeaves[] = {
     {{"authDomainName", "accountDomainName"},
      kSeenDomain,
-     aaaNcTextStore,
+     AAA_NC_AS_TEXT,
      AAA_NC_IN(AaaNcDomainMethodInfo, domainName)},
-    {{"authenProtocol", "accountProtocol"}, kSeenProtocol, protocolStore, 0, 0},
-    {{{}, "accountStage"}, kSeenStage, stageStore, 0, 0},
+    {{"authenProtocol", "accountProtocol"}, kSeenProtocol, {protocolStore, 0}, 0, 0},
+    {{{}, "accountStage"}, kSeenStage, {stageStore, 0}, 0, 0},
     groupTypeLeaf("groupType", 0),
     groupTypeLeaf("groupType1", 1),
     groupTypeLeaf("groupType2", 2),
@@ -161,10 +161,10 @@ static constexpr AaaNcLeaf kLeaves[] = {
     groupNameLeaf("groupName2", 2),
     groupNameLeaf("groupName3", 3),
     // The containers that the groups stand in tell nothing.
-    {{"authenServerGroup", "accountServerGroup"}, 0, nothingStore, 0, 0},
-    {"GroupNum1", 0, nothingStore, 0, 0},
-    {"GroupNum2", 0, nothingStore, 0, 0},
-    {"GroupNum3", 0, nothingStore, 0, 0},
+    {{"authenServerGroup", "accountServerGroup"}, 0, {nothingStore, 0}, 0, 0},
+    {"GroupNum1", 0, {nothingStore, 0}, 0, 0},
+    {"GroupNum2", 0, {nothingStore, 0}, 0, 0},
+    {"GroupNum3", 0, {nothingStore, 0}, 0, 0},
 };
 
 // Whether a group has its type or its name only, or an accounting record has

@@ -39,28 +39,27 @@ static int radiusKeyStore(AaaNcGather &gather, const AaaNcLeaf &leaf, const sr_v
     return aaaNcServerKeyStore(gather, leaf, value);
 }
 
+static constexpr AaaNcStore kAsRadiusKey = {radiusKeyStore, AAA_NC_AS_KEY.size};
+
 // The list keys have no bit in setFlag: they are always there.
 // clang-format off
 static constexpr AaaNcLeaf kLeaves[] = {
     {{"radiusIpv4GroupName", "radiusIpv6GroupName"},
-     0, aaaNcTextStore, AAA_NC_IN(AaaNcRadiusServerInfo, entry.name.groupName)},
+     0, AAA_NC_AS_TEXT, AAA_NC_IN(AaaNcRadiusServerInfo, entry.name.groupName)},
     {{"radiusIpv4ServerAddr", "radiusIpv6ServerAddr"},
-     0, aaaNcServerAddrStore, AAA_NC_IN(AaaNcRadiusServerInfo, entry.name)},
+     0, AAA_NC_AS_ADDR, AAA_NC_IN(AaaNcRadiusServerInfo, entry.name)},
     {{"radiusIpv4ServerAuthenPort", "radiusIpv6ServerAuthenPort"},
-     0, aaaNcUint16Store, AAA_NC_IN(AaaNcRadiusServerInfo, entry.authPort)},
+     0, AAA_NC_AS_UINT16, AAA_NC_IN(AaaNcRadiusServerInfo, entry.authPort)},
     {{"radiusIpv4ServerAccountPort", "radiusIpv6ServerAccountPort"},
-     0, aaaNcUint16Store, AAA_NC_IN(AaaNcRadiusServerInfo, entry.acctPort)},
+     0, AAA_NC_AS_UINT16, AAA_NC_IN(AaaNcRadiusServerInfo, entry.acctPort)},
     {{"radiusIpv4ServerKeyType", "radiusIpv6ServerKeyType"},
-     AAA_NC_SET_KEY_TYPE, aaaNcServerKeyTypeStore, AAA_NC_IN(AaaNcRadiusServerInfo, key)},
+     AAA_NC_SET_KEY_TYPE, AAA_NC_AS_KEY_TYPE, AAA_NC_IN(AaaNcRadiusServerInfo, key)},
     {{"radiusIpv4ServerKey", "radiusIpv6ServerKey"},
-     AAA_NC_SET_KEY, radiusKeyStore, AAA_NC_IN(AaaNcRadiusServerInfo, key)},
+     AAA_NC_SET_KEY, kAsRadiusKey, AAA_NC_IN(AaaNcRadiusServerInfo, key)},
     {{"radiusIpv4ServerPriority", "radiusIpv6ServerPriority"},
-     AAA_NC_SET_PRIORITY, aaaNcUint8Store, AAA_NC_IN(AaaNcRadiusServerInfo, priority)},
+     AAA_NC_SET_PRIORITY, AAA_NC_AS_UINT8, AAA_NC_IN(AaaNcRadiusServerInfo, priority)},
 };
 // clang-format on
-
-static_assert(aaaNcServerFieldsFit(kLeaves) &&
-              aaaNcFieldsFit(kLeaves, radiusKeyStore, sizeof(AaaNcServerKey)));
 
 // Stores the low 32 bits of strtol(). Nearly every port is a few digits, and both
 // are read at each change, so those are not left to it.

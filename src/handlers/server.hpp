@@ -18,20 +18,15 @@ struct AaaNcServerWalk : AaaNcGather {
 // looked at; IPv4 ones go to the service as they are, on purpose.
 bool aaaNcServerAddrIsBad(const AaaNcServerName &name);
 
-// Ways to store a value. The leaf's field is an AaaNcServerName's address ...
-AaaNcStore aaaNcServerAddrStore;
+// Ways to store a value. The leaf's field is an AaaNcServerName, of its address ...
+int aaaNcServerAddrStore(AaaNcGather &gather, const AaaNcLeaf &leaf, const sr_val_t &value);
 // ... or an AaaNcServerKey. A key is hexadecimal text, whatever its type, and is
 // filed by the key type that stands in the record when it arrives; a key type
 // that comes later does not move it. A key that cannot be decoded, or that is
 // too long (logged), ends the walk with 7.
-AaaNcStore aaaNcServerKeyTypeStore;
-AaaNcStore aaaNcServerKeyStore;
+int aaaNcServerKeyTypeStore(AaaNcGather &gather, const AaaNcLeaf &leaf, const sr_val_t &value);
+int aaaNcServerKeyStore(AaaNcGather &gather, const AaaNcLeaf &leaf, const sr_val_t &value);
 
-// Whether the fields of a server's leaves are those that are stored.
-template <std::size_t N> constexpr bool aaaNcServerFieldsFit(const AaaNcLeaf (&leaves)[N])
-{
-    return aaaNcNumbersFit(leaves) &&
-           aaaNcFieldsFit(leaves, aaaNcServerAddrStore, sizeof(AaaNcServerName)) &&
-           aaaNcFieldsFit(leaves, aaaNcServerKeyTypeStore, sizeof(AaaNcServerKey)) &&
-           aaaNcFieldsFit(leaves, aaaNcServerKeyStore, sizeof(AaaNcServerKey));
-}
+inline constexpr AaaNcStore AAA_NC_AS_ADDR = {aaaNcServerAddrStore, sizeof(AaaNcServerName)};
+inline constexpr AaaNcStore AAA_NC_AS_KEY_TYPE = {aaaNcServerKeyTypeStore, sizeof(AaaNcServerKey)};
+inline constexpr AaaNcStore AAA_NC_AS_KEY = {aaaNcServerKeyStore, sizeof(AaaNcServerKey)};

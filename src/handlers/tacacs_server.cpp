@@ -38,21 +38,19 @@ struct TacacsWalk : AaaNcServerWalk {
 // clang-format off
 static constexpr AaaNcLeaf kLeaves[] = {
     {{"tacacsIpv4GroupName", "tacacsIpv6GroupName"},
-     kSeenGroupName, aaaNcTextStore, AAA_NC_IN(AaaNcTacacsServerInfo, name.groupName)},
+     kSeenGroupName, AAA_NC_AS_TEXT, AAA_NC_IN(AaaNcTacacsServerInfo, name.groupName)},
     {{"tacacsIpv4ServerAddr", "tacacsIpv6ServerAddr"},
-     kSeenAddr, aaaNcServerAddrStore, AAA_NC_IN(AaaNcTacacsServerInfo, name)},
+     kSeenAddr, AAA_NC_AS_ADDR, AAA_NC_IN(AaaNcTacacsServerInfo, name)},
     {{"tacacsIpv4ServerPort", "tacacsIpv6ServerPort"},
-     kSeenPort, aaaNcUint16Store, AAA_NC_IN(AaaNcTacacsServerInfo, Port)},
+     kSeenPort, AAA_NC_AS_UINT16, AAA_NC_IN(AaaNcTacacsServerInfo, Port)},
     {{"tacacsIpv4ServerKeyType", "tacacsIpv6ServerKeyType"},
-     kSeenKeyType, aaaNcServerKeyTypeStore, AAA_NC_IN(AaaNcTacacsServerInfo, key)},
+     kSeenKeyType, AAA_NC_AS_KEY_TYPE, AAA_NC_IN(AaaNcTacacsServerInfo, key)},
     {{"tacacsIpv4ServerKey", "tacacsIpv6ServerKey"},
-     kSeenKey, aaaNcServerKeyStore, AAA_NC_IN(AaaNcTacacsServerInfo, key)},
+     kSeenKey, AAA_NC_AS_KEY, AAA_NC_IN(AaaNcTacacsServerInfo, key)},
     {{"tacacsIpv4ServerPriority", "tacacsIpv6ServerPriority"},
-     kSeenPriority, aaaNcUint8Store, AAA_NC_IN(AaaNcTacacsServerInfo, priority)},
+     kSeenPriority, AAA_NC_AS_UINT8, AAA_NC_IN(AaaNcTacacsServerInfo, priority)},
 };
 // clang-format on
-
-static_assert(aaaNcServerFieldsFit(kLeaves));
 
 static constexpr std::uint32_t kSeenAll = aaaNcSeenBits(kLeaves);
 

@@ -2,7 +2,7 @@
 //
 // A row of a handler's table says which leaf goes where in the record, and how it
 // is stored. A new leaf is one row there and one member of the record.
-// Tables assert that their fields have the size that is stored.
+// A row whose field has another size than what is stored does not compile.
 #pragma once
 
 #include <cstddef>
@@ -36,15 +36,30 @@ struct AaaNcNames {
 struct AaaNcGather;
 struct AaaNcLeaf;
 
-// Stores a leaf's value. A result other than 0 ends the walk.
-using AaaNcStore = int(AaaNcGather &gather, const AaaNcLeaf &leaf, const sr_val_t &value);
+// A way to store a leaf's value.
+struct AaaNcStore {
+    // A result other than 0 ends the walk.
+    int (*function)(AaaNcGather &gather, const AaaNcLeaf &leaf, const sr_val_t &value);
+    std::size_t size; // of the field that it fills; 0: any
+};
+
+void aaaNcFieldIsNotOfTheSizeStored(); // never defined
 
 struct AaaNcLeaf {
     AaaNcNames names;
     std::uint32_t seen; // bits that tell that it was there
-    AaaNcStore *store;
+    AaaNcStore store;
     std::size_t offset; // of the field in the record
     std::size_t size;   // of the field
+
+    constexpr AaaNcLeaf(AaaNcNames theNames, std::uint32_t theSeen, AaaNcStore theStore,
+                        std::size_t theOffset, std::size_t theSize)
+        : names(theNames), seen(theSeen), store(theStore), offset(theOffset), size(theSize)
+    {
+        if (store.size != 0 && store.size != size) {
+            aaaNcFieldIsNotOfTheSizeStored();
+        }
+    }
 };
 
 // Offset and size of a leaf's field.
@@ -86,25 +101,10 @@ int aaaNcLeafStore(AaaNcGather &gather, const AaaNcLeaf &leaf, const AaaNcChange
 
 // Ways to store a value: as text, cut to its field, and as 32 bits, whatever the
 // leaf's own width.
-AaaNcStore aaaNcTextStore;
-AaaNcStore aaaNcUint8Store;
-AaaNcStore aaaNcUint16Store;
+int aaaNcTextStore(AaaNcGather &gather, const AaaNcLeaf &leaf, const sr_val_t &value);
+int aaaNcUint8Store(AaaNcGather &gather, const AaaNcLeaf &leaf, const sr_val_t &value);
+int aaaNcUint16Store(AaaNcGather &gather, const AaaNcLeaf &leaf, const sr_val_t &value);
 
-// Whether the fields of all leaves that `store` stores take `size` bytes.
-template <std::size_t N>
-constexpr bool aaaNcFieldsFit(const AaaNcLeaf (&leaves)[N], AaaNcStore *store, std::size_t size)
-{
-    for (const AaaNcLeaf &leaf : leaves) {
-        if (leaf.store == store && leaf.size != size) {
-            return false;
-        }
-    }
-    return true;
-}
-
-// Whether those of all numbers take the 32 bits that are stored.
-template <std::size_t N> constexpr bool aaaNcNumbersFit(const AaaNcLeaf (&leaves)[N])
-{
-    return aaaNcFieldsFit(leaves, aaaNcUint8Store, sizeof(std::uint32_t)) &&
-           aaaNcFieldsFit(leaves, aaaNcUint16Store, sizeof(std::uint32_t));
-}
+inline constexpr AaaNcStore AAA_NC_AS_TEXT = {aaaNcTextStore, 0};
+inline constexpr AaaNcStore AAA_NC_AS_UINT8 = {aaaNcUint8Store, sizeof(std::uint32_t)};
+inline constexpr AaaNcStore AAA_NC_AS_UINT16 = {aaaNcUint16Store, sizeof(std::uint32_t)};

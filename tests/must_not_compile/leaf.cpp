@@ -10,22 +10,20 @@ struct Record {
 };
 
 constexpr AaaNcLeaf kLeaves[] = {
-    {"addr", 1, aaaNcServerAddrStore, AAA_NC_IN(Record, name)},
-    {"keyType", 2, aaaNcServerKeyTypeStore, AAA_NC_IN(Record, key)},
-    {"key", 4, aaaNcServerKeyStore, AAA_NC_IN(Record, key)},
-    {"byte", 8, aaaNcUint8Store, AAA_NC_IN(Record, number)},
-    {"port", 16, aaaNcUint16Store, AAA_NC_IN(Record, number)},
+    {"addr", 1, AAA_NC_AS_ADDR, AAA_NC_IN(Record, name)},
+    {"keyType", 2, AAA_NC_AS_KEY_TYPE, AAA_NC_IN(Record, key)},
+    {"key", 4, AAA_NC_AS_KEY, AAA_NC_IN(Record, key)},
+    {"byte", 8, AAA_NC_AS_UINT8, AAA_NC_IN(Record, number)},
+    {"port", 16, AAA_NC_AS_UINT16, AAA_NC_IN(Record, number)},
 #if defined(BYTE_INTO_ONE_BYTE)
-    {"more", 32, aaaNcUint8Store, AAA_NC_IN(Record, small)},
+    {"more", 32, AAA_NC_AS_UINT8, AAA_NC_IN(Record, small)},
 #elif defined(PORT_INTO_ONE_BYTE)
-    {"more", 32, aaaNcUint16Store, AAA_NC_IN(Record, small)},
+    {"more", 32, AAA_NC_AS_UINT16, AAA_NC_IN(Record, small)},
 #elif defined(ADDRESS_INTO_ITS_TEXT)
-    {"more", 32, aaaNcServerAddrStore, AAA_NC_IN(Record, name.Addr)},
+    {"more", 32, AAA_NC_AS_ADDR, AAA_NC_IN(Record, name.Addr)},
 #elif defined(KEY_TYPE_INTO_A_NUMBER)
-    {"more", 32, aaaNcServerKeyTypeStore, AAA_NC_IN(Record, key.keyType)},
+    {"more", 32, AAA_NC_AS_KEY_TYPE, AAA_NC_IN(Record, key.keyType)},
 #elif defined(KEY_INTO_ITS_TEXT)
-    {"more", 32, aaaNcServerKeyStore, AAA_NC_IN(Record, key.plainKey)},
+    {"more", 32, AAA_NC_AS_KEY, AAA_NC_IN(Record, key.plainKey)},
 #endif
 };
-
-static_assert(aaaNcServerFieldsFit(kLeaves));
