@@ -25,18 +25,18 @@ const std::vector<PayloadRecord> &records()
           {"methodKind", 64, 4, kNumber},
           {"type", 68, 4, kNumber},
           {"accountStage", 72, 4, kNumber},
-          {"group0.type", 80, 4, kNumber},
-          {"group0.name", 84, 36, kText},
-          {"group1.type", 120, 4, kNumber},
-          {"group1.name", 124, 36, kText},
-          {"group2.type", 160, 4, kNumber},
-          {"group2.name", 164, 36, kText},
-          {"group3.type", 200, 4, kNumber},
-          {"group3.name", 204, 36, kText}}},
+          {"groups[0].groupType", 80, 4, kNumber},
+          {"groups[0].groupName", 84, 36, kText},
+          {"groups[1].groupType", 120, 4, kNumber},
+          {"groups[1].groupName", 124, 36, kText},
+          {"groups[2].groupType", 160, 4, kNumber},
+          {"groups[2].groupName", 164, 36, kText},
+          {"groups[3].groupType", 200, 4, kNumber},
+          {"groups[3].groupName", 204, 36, kText}}},
         // accounting interval
         {5, 4, {{"accountInterval", 0, 4, kNumber}}},
         // source interface
-        {19, 73, {{"interfaceName", 0, 40, kText}, {"vrfName", 40, 33, kText}}},
+        {19, 73, {{"srcInterfaceName", 0, 40, kText}, {"vrfName", 40, 33, kText}}},
         // start-failure policy
         {21, 1, {{"startFailType", 0, 1, kNumber}}},
         // RADIUS server group

@@ -5,7 +5,7 @@
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 
-#include "../model/schema.hpp"
+#include "model/schema.hpp"
 #include "support.hpp"
 #include "sysrepo.h"
 
