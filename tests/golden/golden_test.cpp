@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
 #include <bit>
 #include <cstdio>
 #include <fstream>
@@ -79,6 +81,26 @@ std::string sentHex(const Trace &trace)
     return hex;
 }
 
+// Where two of these first differ, for a reader: the hex of a whole message is too
+// long to be compared by eye.
+std::string firstDifference(const std::string &sent, const std::string &golden)
+{
+    const auto common = std::mismatch(sent.begin(), sent.end(), golden.begin(), golden.end()).first;
+    const auto at = static_cast<std::size_t>(common - sent.begin());
+    const std::size_t parameter = golden.find(' ') + 1;
+    return at < parameter ? "byte " + std::to_string(at / 2) + " of the object record"
+                          : "byte " + std::to_string((at - parameter) / 2) + " of the parameter";
+}
+
+TEST(Golden, ADifferenceIsNamedByItsPlace)
+{
+    EXPECT_EQ(firstDifference("01020304 0506", "01020305 0506"), "byte 3 of the object record");
+    EXPECT_EQ(firstDifference("01020304 0506", "01020304 1506"), "byte 0 of the parameter");
+    EXPECT_EQ(firstDifference("01020304 0506", "01020304 0507"), "byte 1 of the parameter");
+    EXPECT_EQ(firstDifference("01020304 05", "01020304 0506"), "byte 1 of the parameter");
+    EXPECT_EQ(firstDifference("", "01020304 0506"), "byte 0 of the object record");
+}
+
 TEST(Golden, EachMessageIsByteForByteItsHexFile)
 {
     const auto cases = readScenarioFile(kDirectory + "/messages.scn");
@@ -87,7 +109,9 @@ TEST(Golden, EachMessageIsByteForByteItsHexFile)
         SCOPED_TRACE(message.title);
         const Trace trace = play(message.scenario);
         EXPECT_EQ(mismatches(message, trace), std::vector<std::string>());
-        EXPECT_EQ(sentHex(trace), goldenHex(message.title));
+        const std::string sent = sentHex(trace);
+        const std::string golden = goldenHex(message.title);
+        EXPECT_EQ(sent, golden) << "from " << firstDifference(sent, golden) << " on";
     }
 }
 
