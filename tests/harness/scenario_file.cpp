@@ -8,6 +8,7 @@
 #include <charconv>
 #include <fstream>
 #include <limits>
+#include <set>
 #include <string_view>
 
 namespace aaanc::test
@@ -19,14 +20,21 @@ namespace
 // Stands for a null pointer where a text may stand.
 constexpr std::string_view kNull = "\\N";
 
+constexpr const char *kNoLogAlone = "'no log' stands beside no log line";
+
 bool startsWith(std::string_view text, std::string_view start)
 {
     return text.substr(0, start.size()) == start;
 }
 
+bool isDigit(char c)
+{
+    return c >= '0' && c <= '9';
+}
+
 bool isNameCharacter(char c)
 {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || isDigit(c) || c == '_';
 }
 
 // The words of a line, taken one after another.
@@ -74,10 +82,14 @@ public:
 private:
     [[noreturn]] void fail(const std::string &what) const
     {
-        throw ScenarioError(path_ + ':' + std::to_string(line_) + ": " + what);
+        failAt(line_, what);
+    }
+    [[noreturn]] void failAt(std::size_t line, const std::string &what) const
+    {
+        throw ScenarioError(path_ + ':' + std::to_string(line) + ": " + what);
     }
 
-    std::string expand(std::string_view line) const;
+    std::string expand(std::string_view line);
     std::string unescape(std::string_view text) const;
     template <typename T> T number(std::string_view text) const;
     std::size_t ordinal(std::string_view text) const;
@@ -96,11 +108,13 @@ private:
     bool readPlatform(std::string_view word, Words words);
     bool readExpectation(std::string_view word, Words words);
     void readExchange(Words words);
+    void readLogLine(std::string_view word, Words words);
     void readRequest(Words words);
     void readField(std::string_view line);
     void openCase(std::string_view line);
     void closeCase();
-    void storeRecord();
+    void storePreamble();
+    void checkAllIsUsed() const;
 
     std::string path_;
     std::size_t line_ = 0;
@@ -108,18 +122,32 @@ private:
     ScenarioCase preamble_;
     ScenarioCase current_;
     bool in_case_ = false;
+    bool preamble_plays_callback_ = false;
     bool callback_given_ = false;
     bool result_given_ = false;
+    std::set<std::string, std::less<>> fields_given_; // of the last request
     // What an indented line belongs to.
     enum class Block { None, Stored, Request, Calls } block_ = Block::None;
     struct StoredLine {
         std::size_t number;
         std::string text;
     };
-    std::map<std::string, std::vector<StoredLine>, std::less<>> blocks_;
-    std::vector<StoredLine> *stored_ = nullptr; // the block being stored
-    std::map<std::string, std::string, std::less<>> names_;
-    std::map<std::string, std::string, std::less<>> preamble_names_;
+    struct StoredBlock {
+        std::size_t line; // where it is stored
+        std::vector<StoredLine> lines;
+    };
+    std::map<std::string, StoredBlock, std::less<>> blocks_;
+    StoredBlock *stored_ = nullptr; // the block being stored
+    bool using_block_ = false;
+    struct Name {
+        std::size_t line; // where it is defined
+        std::string text;
+    };
+    std::map<std::string, Name, std::less<>> names_;
+    std::map<std::string, Name, std::less<>> preamble_names_;
+    // The blocks and names of the file by line, and the lines of those used.
+    std::map<std::size_t, std::string> definitions_;
+    std::set<std::size_t> used_;
 };
 
 std::vector<ScenarioCase> Reader::read()
@@ -134,18 +162,28 @@ std::vector<ScenarioCase> Reader::read()
         if (line.empty() || line[0] == '#')
             continue;
         if (block_ == Block::Stored && line[0] == ' ')
-            stored_->push_back({line_, line.substr(std::min<std::size_t>(2, line.size()))});
+            stored_->lines.push_back({line_, line.substr(std::min<std::size_t>(2, line.size()))});
         else
             readLine(expand(line));
     }
     closeCase();
     if (cases_.empty())
         fail("holds no case");
+    checkAllIsUsed();
     return std::move(cases_);
 }
 
+// What is never used may be misspelt where it should be, and the lines of an
+// unused block are never read.
+void Reader::checkAllIsUsed() const
+{
+    for (const auto &[line, what] : definitions_)
+        if (used_.count(line) == 0)
+            failAt(line, what + " is never used");
+}
+
 // $NAME is what `let` gave it; $(TEXT*N) is TEXT, N times.
-std::string Reader::expand(std::string_view line) const
+std::string Reader::expand(std::string_view line)
 {
     std::string expanded;
     for (std::size_t at = 0; at < line.size();) {
@@ -172,7 +210,8 @@ std::string Reader::expand(std::string_view line) const
         const auto known = names_.find(name);
         if (known == names_.end())
             fail("$" + std::string(name) + " is not defined (a dollar sign is \\x24)");
-        expanded += known->second;
+        expanded += known->second.text;
+        used_.insert(known->second.line);
         at = stop;
     }
     return expanded;
@@ -299,10 +338,12 @@ void Reader::readLine(std::string_view line)
     if (line[0] == ' ')
         return readIndented(line.substr(line.find_first_not_of(' ')));
     block_ = Block::None;
-    if (startsWith(line, "=="))
-        return openCase(line);
     Words words(line);
     const std::string_view word = words.next();
+    if (using_block_ && (word == "==" || word == "block" || word == "use"))
+        fail("a block holds no case and no other block");
+    if (startsWith(line, "=="))
+        return openCase(line);
     if (word == "let")
         return define(words.rest());
     if (word == "block")
@@ -324,7 +365,7 @@ void Reader::openCase(std::string_view line)
     if (in_case_)
         closeCase();
     else
-        storeRecord();
+        storePreamble();
     in_case_ = true;
     names_ = preamble_names_;
     current_ = preamble_;
@@ -338,9 +379,10 @@ void Reader::openCase(std::string_view line)
 }
 
 // What stands before the first case holds for every case.
-void Reader::storeRecord()
+void Reader::storePreamble()
 {
     preamble_ = current_;
+    preamble_plays_callback_ = callback_given_;
     preamble_names_ = names_;
 }
 
@@ -348,8 +390,10 @@ void Reader::closeCase()
 {
     if (!in_case_)
         return;
+    if (!callback_given_ && !preamble_plays_callback_)
+        failAt(current_.line, "case '" + current_.title + "' plays no callback");
     if (!result_given_)
-        fail("case '" + current_.title + "' has no result");
+        failAt(current_.line, "case '" + current_.title + "' has no result");
     cases_.push_back(std::move(current_));
 }
 
@@ -360,16 +404,19 @@ void Reader::define(std::string_view text)
         !std::all_of(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(equals),
                      isNameCharacter))
         fail("a definition is let NAME = TEXT");
-    names_[std::string(text.substr(0, equals))] = text.substr(equals + 3);
+    const std::string name(text.substr(0, equals));
+    names_[name] = {line_, std::string(text.substr(equals + 3))};
+    definitions_[line_] = '$' + name;
 }
 
 void Reader::startBlock(std::string_view name)
 {
     if (in_case_)
         fail("a block is stored before the first case");
-    const auto [stored, is_new] = blocks_.try_emplace(std::string(name));
+    const auto [stored, is_new] = blocks_.try_emplace(std::string(name), StoredBlock{line_, {}});
     if (!is_new)
         fail("there is another block of this name");
+    definitions_[line_] = "block '" + std::string(name) + '\'';
     stored_ = &stored->second;
     block_ = Block::Stored;
 }
@@ -380,11 +427,14 @@ void Reader::useBlock(std::string_view name)
     const auto stored = blocks_.find(name);
     if (stored == blocks_.end())
         fail("there is no block '" + std::string(name) + "'");
+    used_.insert(stored->second.line);
     const std::size_t here = line_;
-    for (const StoredLine &line : stored->second) {
+    using_block_ = true;
+    for (const StoredLine &line : stored->second.lines) {
         line_ = line.number;
         readLine(expand(line.text));
     }
+    using_block_ = false;
     line_ = here;
 }
 
@@ -396,6 +446,8 @@ bool Reader::readChange(std::string_view word, Words words)
     if (word == "change") {
         const std::string_view oper = words.next();
         const auto known = kOperations.find(oper);
+        if (known == kOperations.end() && (oper.empty() || !isDigit(oper[0])))
+            fail("'" + std::string(oper) + "' is no operation");
         change.oper = known != kOperations.end() ? known->second : number<std::uint32_t>(oper);
         const std::string_view values = words.rest();
         const std::size_t split = values.find(" new=");
@@ -428,7 +480,7 @@ bool Reader::readPlatform(std::string_view word, Words words)
 {
     Scenario &scenario = current_.scenario;
     if (word == "callback") {
-        if (in_case_ && callback_given_)
+        if (callback_given_)
             fail("a case plays one callback");
         const std::string_view xpath = words.next();
         const auto row =
@@ -536,28 +588,12 @@ bool Reader::readExpectation(std::string_view word, Words words)
         return true;
     }
     if (word == "log" || word == "error" || word == "debug") {
-        std::string line = "log ";
-        if (word == "log") {
-            const std::string_view severity = words.next();
-            if (severity != "DBG" && severity != "ERR")
-                fail("a severity is DBG or ERR");
-            line += severity;
-        } else {
-            line += word == "error" ? "ERR" : "DBG";
-        }
-        line += ' ';
-        line += words.next();
-        line += ' ';
-        appendQuoted(line, unescape(words.rest()));
-        if (word == "log" && !current_.logs)
-            current_.logs.emplace();
-        (word == "log"     ? *current_.logs
-         : word == "error" ? current_.errors
-                           : current_.debugs)
-            .push_back(line);
+        readLogLine(word, words);
         return true;
     }
     if (word == "no" && words.take("log")) {
+        if (current_.logs || !current_.errors.empty() || !current_.debugs.empty())
+            fail(kNoLogAlone);
         current_.logs.emplace();
     } else if (word == "calls") {
         if (current_.calls)
@@ -576,6 +612,34 @@ bool Reader::readExpectation(std::string_view word, Words words)
     }
     end(words);
     return true;
+}
+
+// log SEVERITY FUNCTION TEXT, and the same of one severity.
+void Reader::readLogLine(std::string_view word, Words words)
+{
+    if (current_.logs && current_.logs->empty())
+        fail(kNoLogAlone);
+    if (word == "error" ? current_.logs.has_value() : word == "log" && !current_.errors.empty())
+        fail("'log' gives all lines, those of errors too");
+    std::string line = "log ";
+    if (word == "log") {
+        const std::string_view severity = words.next();
+        if (severity != "DBG" && severity != "ERR")
+            fail("a severity is DBG or ERR");
+        line += severity;
+    } else {
+        line += word == "error" ? "ERR" : "DBG";
+    }
+    line += ' ';
+    line += words.next();
+    line += ' ';
+    appendQuoted(line, unescape(words.rest()));
+    if (word == "log" && !current_.logs)
+        current_.logs.emplace();
+    (word == "log"     ? *current_.logs
+     : word == "error" ? current_.errors
+                       : current_.debugs)
+        .push_back(line);
 }
 
 // request TYPE set|undo [length 0]
@@ -601,6 +665,7 @@ void Reader::readRequest(Words words)
         {request.message_type, direction == "set" ? 1U : 0U, static_cast<std::uint32_t>(length)});
     request.block.append(length, '\0');
     current_.requests.push_back(std::move(request));
+    fields_given_.clear();
     block_ = Block::Request;
 }
 
@@ -619,6 +684,8 @@ void Reader::readField(std::string_view line)
     ExpectedRequest &request = current_.requests.back();
     Words words(line);
     const std::string_view name = words.next();
+    if (!fields_given_.emplace(name).second)
+        fail("'" + std::string(name) + "' is given twice");
     if (name == "answer") {
         current_.scenario.exchanges[current_.requests.size()].reply.result =
             number<std::uint32_t>(words.next());

@@ -48,7 +48,8 @@ protected:
         return mismatches(played, play(played.scenario));
     }
 
-    const std::string kIntervalSet = "callback /orvek-aaa:sysAaa/aaaGlobal event 1\n"
+    const std::string kCallback = "callback /orvek-aaa:sysAaa/aaaGlobal event 1\n";
+    const std::string kIntervalSet = kCallback +
                                      "== a ==\n"
                                      "created /orvek-aaa:sysAaa/aaaGlobal/accountInterval|21|15\n";
 
@@ -60,12 +61,17 @@ using ReadingAFile = ScenarioFile;
 
 TEST_F(ReadingAFile, NamesThePlaceOfAMistake)
 {
-    const std::pair<const char *, const char *> mistakes[] = {
+    const std::pair<std::string, const char *> mistakes[] = {
         {"", ":0: holds no case"},
         {"# only\n", ":1: holds no case"},
         {"== a\n", ":1: a case starts with == TITLE =="},
-        {"== a ==\n", ":1: case 'a' has no result"},
-        {"== a ==\nresult 0\n== a ==\nresult 0\n", ":3: there is another case of this title"},
+        {"== a ==\nresult 0\n", ":1: case 'a' plays no callback"},
+        {"== a ==\nresult 0\n== b ==\n" + kCallback + "result 0\n",
+         ":1: case 'a' plays no callback"},
+        {kCallback + "== a ==\n", ":2: case 'a' has no result"},
+        {kCallback + "== a ==\n\n== b ==\nresult 0\n", ":2: case 'a' has no result"},
+        {kCallback + "== a ==\nresult 0\n== a ==\nresult 0\n",
+         ":4: there is another case of this title"},
         {"== a ==\nresult 0\nresult 0\n", ":3: a case has one result"},
         {"result 0\n", ":1: 'result' does not belong before the first case"},
         {"== a ==\n\nresults 0\n", ":3: 'results' is unknown"},
@@ -76,6 +82,8 @@ TEST_F(ReadingAFile, NamesThePlaceOfAMistake)
         {"callback /orvek-aaa:sysAaa event 1\n",
          ":1: nothing is subscribed to '/orvek-aaa:sysAaa'"},
         {"callback /orvek-aaa:sysAaa/aaaGlobal 1\n", ":1: a callback is callback XPATH event N"},
+        {kCallback + kCallback, ":2: a case plays one callback"},
+        {"== a ==\n" + kCallback + kCallback, ":3: a case plays one callback"},
         {"== a ==\ncreated /a:b/c|18\n", ":2: a value is XPATH|TYPE|TEXT or -"},
         {"== a ==\ncreated /a:b/c|21|x\n", ":2: 'x' is not a number in range"},
         {"== a ==\ncreated /a:b/c|19|256\n", ":2: '256' does not fit its type"},
@@ -84,7 +92,8 @@ TEST_F(ReadingAFile, NamesThePlaceOfAMistake)
         {"== a ==\ncreated /a:b/c|18|\\q\n",
          ":2: a backslash starts \\\\, \\\", \\|, \\xHH, or is \\N alone"},
         {"== a ==\ncreated /a:b/c|18|\\x1g\n", ":2: \\x takes two hexadecimal digits"},
-        {"== a ==\nchange GONE old=- new=-\n", ":2: 'GONE' is not a number in range"},
+        {"== a ==\nchange GONE old=- new=-\n", ":2: 'GONE' is no operation"},
+        {"== a ==\nchange 4294967296 old=- new=-\n", ":2: '4294967296' is not a number in range"},
         {"== a ==\nchange CREATED new=-\n", ":2: a change is change OPER old=VALUE new=VALUE"},
         {"== a ==\nmodified /a:b/c|18|x\n", ":2: a modification is modified XPATH|TYPE|OLD|NEW"},
         {"== a ==\ncreated $A|18|x\n", ":2: $A is not defined (a dollar sign is \\x24)"},
@@ -98,10 +107,27 @@ TEST_F(ReadingAFile, NamesThePlaceOfAMistake)
         {"== a ==\nrequest 5 set\n  vrfName x\n", ":3: message type 5 has no field 'vrfName' here"},
         {"== a ==\nrequest 21 set\n  startFailType 256\n", ":3: the number does not fit its field"},
         {"== a ==\nrequest 22 set\n  groupName $(a*34)\n", ":3: the text does not fit its field"},
+        {"== a ==\nrequest 21 set\n  startFailType 2\n  startFailType 2\n",
+         ":4: 'startFailType' is given twice"},
+        {"== a ==\nrequest 21 set\n  answer 3\n  answer 4\n", ":4: 'answer' is given twice"},
         {"== a ==\n  vrfName x\n",
          ":2: an indented line belongs to a block, a request or to calls"},
         {"== a ==\nlog INF a b\n", ":2: a severity is DBG or ERR"},
+        {"== a ==\nlog DBG a b\nno log\n", ":3: 'no log' stands beside no log line"},
+        {"== a ==\nno log\nlog ERR a b\n", ":3: 'no log' stands beside no log line"},
+        {"== a ==\nerror a b\nno log\n", ":3: 'no log' stands beside no log line"},
+        {"== a ==\ndebug a b\nno log\n", ":3: 'no log' stands beside no log line"},
+        {"== a ==\nno log\nerror a b\n", ":3: 'no log' stands beside no log line"},
+        {"== a ==\nlog DBG a b\nerror a b\n", ":3: 'log' gives all lines, those of errors too"},
+        {"== a ==\nerror a b\nlog DBG a b\n", ":3: 'log' gives all lines, those of errors too"},
         {"block b\n  results 0\n== a ==\nuse b\n", ":2: 'results' is unknown"},
+        {"block b\n  use b\n== a ==\nuse b\n", ":2: a block holds no case and no other block"},
+        {"block b\n  block c\nuse b\n", ":2: a block holds no case and no other block"},
+        {"block b\n  == a ==\n== c ==\nuse b\n", ":2: a block holds no case and no other block"},
+        {kCallback + "block b\n  results 0\n== a ==\nresult 0\n", ":2: block 'b' is never used"},
+        {kCallback + "let A = 1\n== a ==\nresult 0\n", ":2: $A is never used"},
+        {kCallback + "== a ==\nlet A = 1\nresult 0\n== b ==\nlet A = 2\nresult $A\n",
+         ":3: $A is never used"},
         {"block b\nblock b\n", ":2: there is another block of this name"},
         {"== a ==\nblock b\n", ":2: a block is stored before the first case"},
         {"== a ==\nuse b\n", ":2: there is no block 'b'"},
@@ -117,7 +143,8 @@ TEST_F(ReadingAFile, NamesAFileThatIsNotThere)
 
 TEST_F(ReadingAFile, ExpandsAndUnescapesTexts)
 {
-    const auto cases = read("let A = /a:b\n"
+    const auto cases = read("callback /orvek-aaa:sysAaa/aaaGlobal event 1\n"
+                            "let A = /a:b\n"
                             "== a ==\n"
                             "created $A/c[k='\\|\\\\']|18|x\\x20\\\"$(ab*3)\n"
                             "change 7 old=\\N|18|\\N new=-\n"
@@ -133,7 +160,8 @@ TEST_F(ReadingAFile, ExpandsAndUnescapesTexts)
 
 TEST_F(ReadingAFile, BlocksStandWhereTheyAreUsed)
 {
-    const auto cases = read("block two changes\n"
+    const auto cases = read("callback /orvek-aaa:sysAaa/aaaGlobal event 1\n"
+                            "block two changes\n"
                             "  created $A/b|18|x\n"
                             "  deleted $A/b|18|x\n"
                             "block a request\n"
@@ -153,7 +181,8 @@ TEST_F(ReadingAFile, BlocksStandWhereTheyAreUsed)
 
 TEST_F(ReadingAFile, CasesShareWhatStandsBeforeThem)
 {
-    const auto cases = read("log-level 3\n"
+    const auto cases = read("callback /orvek-aaa:sysAaa/aaaGlobal event 1\n"
+                            "log-level 3\n"
                             "let A = 1\n"
                             "== a ==\n"
                             "log-level 2\n"
