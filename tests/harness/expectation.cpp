@@ -180,6 +180,81 @@ void checkIteratorFreed(Findings &findings, const ScenarioCase &expected, const 
         findings.push_back("no iterator that could stay open");
 }
 
+// The last of the calls that a failure is planned for; 0 when there is none.
+std::size_t last(const std::set<std::size_t> &planned)
+{
+    return planned.empty() ? 0 : *planned.rbegin();
+}
+
+template <typename T> std::size_t last(const std::map<std::size_t, T> &planned)
+{
+    return planned.empty() ? 0 : planned.rbegin()->first;
+}
+
+// The calls of each exchange.
+std::vector<Trace> exchangesOf(const Trace &trace)
+{
+    std::vector<Trace> exchanges;
+    for (const std::string &line : trace) {
+        if (startsWith(line, "cmf-init "))
+            exchanges.emplace_back();
+        if (startsWith(line, "cmf-") && !exchanges.empty())
+            exchanges.back().push_back(line);
+    }
+    return exchanges;
+}
+
+void checkExchangesHappen(Findings &findings, const Scenario &scenario, const Trace &trace)
+{
+    struct Step {
+        const char *name;
+        const char *call;
+        bool is_planned;
+    };
+    const std::vector<Trace> exchanges = exchangesOf(trace);
+    for (const auto &[number, planned] : scenario.exchanges) {
+        const std::string exchange = "exchange " + std::to_string(number);
+        if (number > exchanges.size()) {
+            findings.push_back(exchange + " never happened");
+            continue;
+        }
+        const Step steps[] = {{"object", "cmf-object ", planned.object_set != 0},
+                              {"encode", "cmf-encode ", planned.encode != 0},
+                              {"send", "cmf-send ", planned.send != 0},
+                              {"receive", "cmf-receive ", planned.receive != 0},
+                              {"decode", "cmf-decode ", planned.decode != 0},
+                              {"reply", "cmf-decode -> 0", planned.reply != Reply()}};
+        for (const Step &step : steps)
+            if (step.is_planned && linesStarting(exchanges[number - 1], step.call).empty())
+                findings.push_back(exchange + ' ' + step.name + " never happened");
+    }
+}
+
+// A failure that is planned for a call that is never made tests nothing.
+void checkPlannedHappens(Findings &findings, const Scenario &scenario, const Trace &trace)
+{
+    const auto calls = [&](const char *start) { return linesStarting(trace, start).size(); };
+    const auto require = [&](bool happened, const std::string &what) {
+        if (!happened)
+            findings.push_back(what + " never happened");
+    };
+    const auto requireCall = [&](const char *what, std::size_t planned, std::size_t made) {
+        require(planned <= made, std::string(what) + " call " + std::to_string(planned));
+    };
+    requireCall("next", last(scenario.next_result), calls("next "));
+    requireCall("node-name", last(scenario.node_name_null), calls("node-name "));
+    requireCall("key", last(scenario.key_null), calls("key "));
+    requireCall("unhex", last(scenario.unhex_result), calls("unhex "));
+    requireCall("log-level from", last(scenario.log_level_from_call), trace.size() - 1);
+    require(scenario.changes_iter == 0 || calls("changes-iter ") != 0, "changes-iter");
+    require(!scenario.strerror_null || calls("strerror ") != 0, "strerror");
+    require(scenario.end_of_changes == Scenario().end_of_changes ||
+                std::count(trace.begin(), trace.end(),
+                           "next -> " + std::to_string(scenario.end_of_changes)) != 0,
+            "end-of-changes");
+    checkExchangesHappen(findings, scenario, trace);
+}
+
 // The trace as `calls` gives it: no result, and * for the bytes of a request,
 // which differ with the byte order.
 Trace comparableCalls(const Trace &trace)
@@ -210,6 +285,7 @@ std::vector<std::string> mismatches(const ScenarioCase &expected, const Trace &t
     compareLogs(findings, expected, trace);
     checkValuesFreed(findings, expected.scenario, trace);
     checkIteratorFreed(findings, expected, trace);
+    checkPlannedHappens(findings, expected.scenario, trace);
     if (expected.calls)
         compareLists(findings, "call", *expected.calls, comparableCalls(trace));
     return findings;

@@ -48,6 +48,8 @@ struct Reply {
     std::uint32_t length_field = 0;
     std::uint32_t decoded_length = 8;
     bool null_data = false;
+
+    bool operator==(const Reply &) const = default;
 };
 
 // How the CMF calls of one request behave, in the order of the calls. The

@@ -53,7 +53,8 @@ std::vector<ScenarioCase> readScenarioFile(const std::string &path);
 // when nothing is. Besides what the case names, these always hold: no WRONG
 // line; each request's object record suits it; the values of each change are
 // freed, the old one first, before the next change is taken; the iterator is
-// freed as the last call, unless the case says that it stays open.
+// freed as the last call, unless the case says that it stays open; every failure
+// that the case plans happens.
 std::vector<std::string> mismatches(const ScenarioCase &expected, const Trace &trace);
 
 } // namespace aaanc::test

@@ -224,6 +224,48 @@ TEST_F(HoldingARunAgainstACase, FindsEveryDifference)
         EXPECT_EQ(findingsOf(text).size(), 1U) << text;
 }
 
+// One change is walked: two calls of next, one of node-name, one request.
+TEST_F(HoldingARunAgainstACase, FindsAPlannedFailureThatNeverHappens)
+{
+    const std::string run = "request 5 set\n  accountInterval 15\nresult 0\n";
+    const std::string happening = "next call 2 returns 5\nexchange 1 reply result 0\n";
+    const std::string calls = std::to_string(play(read(kIntervalSet + run)[0].scenario).size() - 1);
+    EXPECT_EQ(findingsOf(happening + "log-level 4 from call " + calls + '\n' + run), Trace());
+
+    const std::pair<const char *, const char *> plans[] = {
+        {"next call 3 returns 4\n", "next call 3"},
+        {"node-name call 2 is null\n", "node-name call 2"},
+        {"key call 1 is null\n", "key call 1"},
+        {"unhex call 1 returns 4\n", "unhex call 1"},
+        {"log-level 4 from call 99\n", "log-level from call 99"},
+        {"strerror is null\n", "strerror"},
+        {"next call 2 returns 5\nend-of-changes is 55\n", "end-of-changes"},
+        {"exchange 2 context null\n", "exchange 2"},
+        {"exchange 2 reply result 0\n", "exchange 2"},
+    };
+    for (const auto &[plan, what] : plans)
+        EXPECT_EQ(findingsOf(plan + run), Trace{std::string(what) + " never happened"});
+
+    EXPECT_EQ(findingsOf("event 2\nchanges-iter returns 4\nresult 0\n"),
+              Trace{"changes-iter never happened"});
+}
+
+TEST_F(HoldingARunAgainstACase, FindsAPlannedStepBehindTheOneThatFails)
+{
+    const std::pair<std::string, std::string> plans[] = {
+        {"context null", "object returns 3"},      {"object returns 3", "encode returns 3"},
+        {"encode returns 3", "send returns 3"},    {"send returns 3", "receive returns 3"},
+        {"receive returns 3", "decode returns 3"}, {"decode returns 3", "reply result 3"},
+    };
+    for (const auto &[first, second] : plans) {
+        const Trace failing = findingsOf("exchange 1 " + first + "\nresult 7\n");
+        Trace wanted = failing;
+        wanted.push_back("exchange 1 " + second.substr(0, second.find(' ')) + " never happened");
+        EXPECT_EQ(findingsOf("exchange 1 " + first + "\nexchange 1 " + second + "\nresult 7\n"),
+                  wanted);
+    }
+}
+
 TEST_F(HoldingARunAgainstACase, FindsMisuseInATrace)
 {
     const ScenarioCase played =
