@@ -206,7 +206,8 @@ std::vector<std::string> socketsOf(pid_t process)
     std::vector<std::string> inodes;
     for (const auto &entry :
          std::filesystem::directory_iterator(fmt::format("/proc/{}/fd", process))) {
-        const std::string target = std::filesystem::read_symlink(entry.path());
+        std::error_code closed; // since it was listed
+        const std::string target = std::filesystem::read_symlink(entry.path(), closed);
         if (target.starts_with(kSocket)) {
             inodes.push_back(target.substr(kSocket.size(), target.size() - kSocket.size() - 1));
         }
