@@ -49,7 +49,7 @@ static constexpr AaaNcHandler kDomain = {
      AAA_NC_NO_LEAF_NAME},
     AAA_NC_NO_LEAF,
     AAA_NC_BAD_CHANGE,
-    {{52, 49}, 8, 1},
+    {1, {52, 49}, 8},
     domainChange,
     nullptr,
 };

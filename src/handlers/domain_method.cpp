@@ -137,12 +137,12 @@ static int nothingStore(AaaNcGather & /*gather*/, const AaaNcLeaf & /*leaf*/,
 // The two leaves of group pair `pair`.
 static constexpr AaaNcLeaf groupTypeLeaf(AaaNcNames names, std::uint32_t pair)
 {
-    return {names, kSeenType | 1U << (kTypeShift + pair), {groupTypeStore, 0}, 0, 0};
+    return {names, kSeenType | 1U << (kTypeShift + pair), {groupTypeStore}};
 }
 
 static constexpr AaaNcLeaf groupNameLeaf(AaaNcNames names, std::uint32_t pair)
 {
-    return {names, kSeenName | 1U << (kNameShift + pair), {groupNameStore, 0}, 0, 0};
+    return {names, kSeenName | 1U << (kNameShift + pair), {groupNameStore}};
 }
 
 static constexpr AaaNcLeaf kLeaves[] = {
@@ -150,8 +150,8 @@ static constexpr AaaNcLeaf kLeaves[] = {
      kSeenDomain,
      AAA_NC_AS_TEXT,
      AAA_NC_IN(AaaNcDomainMethodInfo, domainName)},
-    {{"authenProtocol", "accountProtocol"}, kSeenProtocol, {protocolStore, 0}, 0, 0},
-    {{{}, "accountStage"}, kSeenStage, {stageStore, 0}, 0, 0},
+    {{"authenProtocol", "accountProtocol"}, kSeenProtocol, {protocolStore}},
+    {{{}, "accountStage"}, kSeenStage, {stageStore}},
     groupTypeLeaf("groupType", 0),
     groupTypeLeaf("groupType1", 1),
     groupTypeLeaf("groupType2", 2),
@@ -161,10 +161,10 @@ static constexpr AaaNcLeaf kLeaves[] = {
     groupNameLeaf("groupName2", 2),
     groupNameLeaf("groupName3", 3),
     // The containers that the groups stand in tell nothing.
-    {{"authenServerGroup", "accountServerGroup"}, 0, {nothingStore, 0}, 0, 0},
-    {"GroupNum1", 0, {nothingStore, 0}, 0, 0},
-    {"GroupNum2", 0, {nothingStore, 0}, 0, 0},
-    {"GroupNum3", 0, {nothingStore, 0}, 0, 0},
+    {{"authenServerGroup", "accountServerGroup"}, 0, {nothingStore}},
+    {"GroupNum1", 0, {nothingStore}},
+    {"GroupNum2", 0, {nothingStore}},
+    {"GroupNum3", 0, {nothingStore}},
 };
 
 // Whether a group has its type or its name only, or an accounting record has
@@ -239,7 +239,7 @@ static constexpr MethodHandler kAuthen = {
       AAA_NC_LOG_TEXT("Recv node is %s."), AAA_NC_NO_NODE},
      AAA_NC_FAILED,
      AAA_NC_BAD_CHANGE,
-     {{}, 0, 7},
+     {7},
      methodChange,
      methodEnd},
     AAA_NC_LOG_TEXT("Set domain authen info: groupName=%s, type=%d."),
@@ -262,7 +262,7 @@ static constexpr MethodHandler kAccount = {
       AAA_NC_LOG_TEXT("Recv node is %s."), AAA_NC_NO_NODE},
      AAA_NC_FAILED,
      AAA_NC_BAD_CHANGE,
-     {{}, 0, 7},
+     {7},
      methodChange,
      methodEnd},
     AAA_NC_LOG_TEXT("Set domain account info: groupName=%s, type=%d."),

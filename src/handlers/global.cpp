@@ -31,7 +31,7 @@ static constexpr AaaNcHandler kGlobal = {
      AAA_NC_LOG_TEXT("Global node name %s."), AAA_NC_NO_LEAF_NAME},
     AAA_NC_NO_LEAF,
     0, // alone among the handlers, this one passes over a change without a value
-    {{}, 0, 7},
+    {7},
     globalChange,
     nullptr,
 };

@@ -24,7 +24,7 @@ constexpr AaaNcHandler aaaNcGroupHandler(const char *confChanges, const char *le
          AAA_NC_LOG_TEXT("Receive node name %s."), AAA_NC_NO_LEAF_NAME},
         AAA_NC_NO_LEAF,
         AAA_NC_BAD_CHANGE,
-        {{}, 0, 1},
+        {1},
         change,
         nullptr,
     };

@@ -22,12 +22,12 @@ static int boundedTextStore(AaaNcGather &gather, const AaaNcLeaf &leaf, const sr
     return 0;
 }
 
-static constexpr AaaNcStore kAsBoundedText = {boundedTextStore, 0};
-
 static constexpr AaaNcLeaf kLeaves[] = {
-    {"srcInterfaceName", kSeenName, kAsBoundedText,
+    {"srcInterfaceName",
+     kSeenName,
+     {boundedTextStore},
      AAA_NC_IN(AaaNcSrcInterfaceInfo, srcInterfaceName)},
-    {"vrfName", kSeenVrf, kAsBoundedText, AAA_NC_IN(AaaNcSrcInterfaceInfo, vrfName)},
+    {"vrfName", kSeenVrf, {boundedTextStore}, AAA_NC_IN(AaaNcSrcInterfaceInfo, vrfName)},
 };
 
 static constexpr std::uint32_t kSeenBoth = aaaNcSeenBits(kLeaves);
@@ -56,7 +56,7 @@ static constexpr AaaNcHandler kSrcInterface = {
      AAA_NC_LOG_TEXT("Source interface node name %s."), AAA_NC_NO_LEAF_NAME},
     AAA_NC_NO_LEAF,
     AAA_NC_BAD_CHANGE,
-    {{}, 0, 7},
+    {7},
     srcInterfaceChange,
     nullptr,
 };

@@ -40,7 +40,7 @@ struct AaaNcLeaf;
 struct AaaNcStore {
     // A result other than 0 ends the walk.
     int (*function)(AaaNcGather &gather, const AaaNcLeaf &leaf, const sr_val_t &value);
-    std::size_t size; // of the field that it fills; 0: any
+    std::size_t size = 0; // of the field that it fills; 0: any, or none
 };
 
 void aaaNcFieldIsNotOfTheSizeStored(); // never defined
@@ -53,7 +53,7 @@ struct AaaNcLeaf {
     std::size_t size;   // of the field
 
     constexpr AaaNcLeaf(AaaNcNames theNames, std::uint32_t theSeen, AaaNcStore theStore,
-                        std::size_t theOffset, std::size_t theSize)
+                        std::size_t theOffset = 0, std::size_t theSize = 0)
         : names(theNames), seen(theSeen), store(theStore), offset(theOffset), size(theSize)
     {
         if (store.size != 0 && store.size != size) {
@@ -105,6 +105,6 @@ int aaaNcTextStore(AaaNcGather &gather, const AaaNcLeaf &leaf, const sr_val_t &v
 int aaaNcUint8Store(AaaNcGather &gather, const AaaNcLeaf &leaf, const sr_val_t &value);
 int aaaNcUint16Store(AaaNcGather &gather, const AaaNcLeaf &leaf, const sr_val_t &value);
 
-inline constexpr AaaNcStore AAA_NC_AS_TEXT = {aaaNcTextStore, 0};
+inline constexpr AaaNcStore AAA_NC_AS_TEXT = {aaaNcTextStore};
 inline constexpr AaaNcStore AAA_NC_AS_UINT8 = {aaaNcUint8Store, sizeof(std::uint32_t)};
 inline constexpr AaaNcStore AAA_NC_AS_UINT16 = {aaaNcUint16Store, sizeof(std::uint32_t)};

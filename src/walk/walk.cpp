@@ -108,10 +108,10 @@ static int refusedResult(const AaaNcHandler &handler, int code)
 {
     for (const int special : handler.refused.codes) {
         if (code == special) {
-            return handler.refused.result;
+            return handler.refused.resultOfCodes;
         }
     }
-    return handler.refused.others;
+    return handler.refused.result;
 }
 
 int aaaNcWalkSend(AaaNcWalk &walk)

@@ -52,9 +52,9 @@ struct AaaNcHandler {
     // Results for a request that the service refuses or that fails on its way. They
     // are the subtree's own, whatever the same numbers mean elsewhere.
     struct {
-        int codes[2]; // for these codes (0: none) ...
-        int result;   // ... this one,
-        int others;   // for others this one
+        int result;            // this one,
+        int codes[2] = {};     // but for these codes (0: none) ...
+        int resultOfCodes = 0; // ... that one
     } refused;
 
     // Handles one change. A result other than 0 ends the walk.
