@@ -24,7 +24,7 @@ struct AaaNcChange {
 // Results of a callback that are the plug-in's own.
 enum {
     AAA_NC_REFUSED = 1,   // a name, address or groups of no use
-    AAA_NC_NO_LEAF = 5,   // no leaf name
+    AAA_NC_NO_LEAF = 5,   // no leaf name, or no list key
     AAA_NC_FAILED = 7,    // a failed step
     AAA_NC_BAD_CHANGE = 8 // neither created, modified nor deleted
 };
