@@ -51,8 +51,9 @@ static const char kSendProc[] = "aaaNcCmfSendProc";
 static int resultDecode(const void *data, std::uint32_t length)
 {
     AaaNcResp resp{};
-    if (data != nullptr) {
-        std::memcpy(&resp, data, length < kRespLength ? length : kRespLength);
+    // A shorter reply has the wrong length, whatever it holds.
+    if (data != nullptr && length >= kRespLength) {
+        std::memcpy(&resp, data, sizeof(resp));
     }
     if (length != resp.length + kRespLength) {
         AAA_NC_ERR(kSendProc, "Cmf data len is not the same,respParamLen=<%d>.", length);
