@@ -22,12 +22,12 @@ static int boundedTextStore(AaaNcGather &gather, const AaaNcLeaf &leaf, const sr
     return 0;
 }
 
+static constexpr AaaNcStore kAsBoundedText = {boundedTextStore, AAA_NC_ANY_SIZE};
+
 static constexpr AaaNcLeaf kLeaves[] = {
-    {"srcInterfaceName",
-     kSeenName,
-     {boundedTextStore},
+    {"srcInterfaceName", kSeenName, kAsBoundedText,
      AAA_NC_IN(AaaNcSrcInterfaceInfo, srcInterfaceName)},
-    {"vrfName", kSeenVrf, {boundedTextStore}, AAA_NC_IN(AaaNcSrcInterfaceInfo, vrfName)},
+    {"vrfName", kSeenVrf, kAsBoundedText, AAA_NC_IN(AaaNcSrcInterfaceInfo, vrfName)},
 };
 
 static constexpr std::uint32_t kSeenBoth = aaaNcSeenBits(kLeaves);

@@ -32,7 +32,7 @@ struct TacacsWalk : AaaNcServerWalk {
 };
 
 // Every leaf has a bit of its own and is required: the request goes out with the
-// last of them, and one that came behind it would be the next server's.
+// last of them. An optional leaf behind that one would be the next server's.
 // A key that comes before its type counts as a plain key: the type in the record
 // is 0 until then.
 // clang-format off

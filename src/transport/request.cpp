@@ -51,7 +51,8 @@ static const char kSendProc[] = "aaaNcCmfSendProc";
 static int resultDecode(const void *data, std::uint32_t length)
 {
     AaaNcResp resp{};
-    // A shorter reply has the wrong length, whatever it holds.
+    // A shorter reply has the wrong length whatever it holds: only a whole length
+    // field could wrap around to it.
     if (data != nullptr && length >= kRespLength) {
         std::memcpy(&resp, data, sizeof(resp));
     }

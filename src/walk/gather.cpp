@@ -20,7 +20,7 @@ const AaaNcLeaf *aaaNcLeafFind(const AaaNcLeaf *leaves, std::size_t count, AaaNc
 int aaaNcLeafStore(AaaNcGather &gather, const AaaNcLeaf &leaf, const AaaNcChange &change)
 {
     gather.seen |= leaf.seen;
-    return leaf.store.function(gather, leaf, *change.value);
+    return leaf.store(gather, leaf, *change.value);
 }
 
 int aaaNcTextStore(AaaNcGather &gather, const AaaNcLeaf &leaf, const sr_val_t &value)

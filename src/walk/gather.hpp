@@ -40,23 +40,26 @@ struct AaaNcLeaf;
 struct AaaNcStore {
     // A result other than 0 ends the walk.
     int (*function)(AaaNcGather &gather, const AaaNcLeaf &leaf, const sr_val_t &value);
-    std::size_t size = 0; // of the field that it fills; 0: any, or none
+    std::size_t size = 0; // of the field that it fills; 0: it fills none
 };
+
+// Of a store that fills a field of whatever size.
+inline constexpr std::size_t AAA_NC_ANY_SIZE = SIZE_MAX;
 
 void aaaNcFieldIsNotOfTheSizeStored(); // never defined
 
 struct AaaNcLeaf {
     AaaNcNames names;
     std::uint32_t seen; // bits that tell that it was there
-    AaaNcStore store;
+    decltype(AaaNcStore::function) store;
     std::size_t offset; // of the field in the record
     std::size_t size;   // of the field
 
     constexpr AaaNcLeaf(AaaNcNames theNames, std::uint32_t theSeen, AaaNcStore theStore,
                         std::size_t theOffset = 0, std::size_t theSize = 0)
-        : names(theNames), seen(theSeen), store(theStore), offset(theOffset), size(theSize)
+        : names(theNames), seen(theSeen), store(theStore.function), offset(theOffset), size(theSize)
     {
-        if (store.size != 0 && store.size != size) {
+        if (theStore.size == AAA_NC_ANY_SIZE ? size == 0 : theStore.size != size) {
             aaaNcFieldIsNotOfTheSizeStored();
         }
     }
@@ -105,6 +108,6 @@ int aaaNcTextStore(AaaNcGather &gather, const AaaNcLeaf &leaf, const sr_val_t &v
 int aaaNcUint8Store(AaaNcGather &gather, const AaaNcLeaf &leaf, const sr_val_t &value);
 int aaaNcUint16Store(AaaNcGather &gather, const AaaNcLeaf &leaf, const sr_val_t &value);
 
-inline constexpr AaaNcStore AAA_NC_AS_TEXT = {aaaNcTextStore};
+inline constexpr AaaNcStore AAA_NC_AS_TEXT = {aaaNcTextStore, AAA_NC_ANY_SIZE};
 inline constexpr AaaNcStore AAA_NC_AS_UINT8 = {aaaNcUint8Store, sizeof(std::uint32_t)};
 inline constexpr AaaNcStore AAA_NC_AS_UINT16 = {aaaNcUint16Store, sizeof(std::uint32_t)};

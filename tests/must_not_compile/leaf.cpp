@@ -9,7 +9,11 @@ struct Record {
     std::uint8_t small;
 };
 
+int nothingStore(AaaNcGather &gather, const AaaNcLeaf &leaf, const sr_val_t &value);
+
 constexpr AaaNcLeaf kLeaves[] = {
+    {"text", 0, AAA_NC_AS_TEXT, AAA_NC_IN(Record, name.groupName)},
+    {"nothing", 0, {nothingStore}},
     {"addr", 1, AAA_NC_AS_ADDR, AAA_NC_IN(Record, name)},
     {"keyType", 2, AAA_NC_AS_KEY_TYPE, AAA_NC_IN(Record, key)},
     {"key", 4, AAA_NC_AS_KEY, AAA_NC_IN(Record, key)},
@@ -23,6 +27,10 @@ constexpr AaaNcLeaf kLeaves[] = {
     {"more", 32, AAA_NC_AS_ADDR, AAA_NC_IN(Record, name.Addr)},
 #elif defined(KEY_TYPE_INTO_A_NUMBER)
     {"more", 32, AAA_NC_AS_KEY_TYPE, AAA_NC_IN(Record, key.keyType)},
+#elif defined(TEXT_WITHOUT_A_FIELD)
+    {"more", 32, AAA_NC_AS_TEXT},
+#elif defined(FIELD_WITHOUT_A_STORE)
+    {"more", 32, {nothingStore}, AAA_NC_IN(Record, number)},
 #elif defined(KEY_INTO_ITS_TEXT)
     {"more", 32, AAA_NC_AS_KEY, AAA_NC_IN(Record, key.plainKey)},
 #endif
