@@ -1,5 +1,6 @@
 // The tests' table of payload records and the host program's, each written down
 // on its own, agree on every field: its name, its place and its kind.
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include "harness/payload.hpp"
@@ -11,13 +12,17 @@ namespace aaanc::test
 namespace
 {
 
+template <typename Known> std::string asText(const Known &field, bool is_text)
+{
+    return fmt::format("{} {} {} {}", field.name, field.offset, field.size,
+                       is_text ? "text" : "number");
+}
+
 std::vector<std::string> fieldsOf(const PayloadRecord &record)
 {
     std::vector<std::string> fields;
     for (const Field &field : record.fields) {
-        fields.push_back(std::string(field.name) + ' ' + std::to_string(field.offset) + ' ' +
-                         std::to_string(field.size) +
-                         (field.kind == FieldKind::Text ? " text" : " number"));
+        fields.push_back(asText(field, field.kind == FieldKind::Text));
     }
     return fields;
 }
@@ -27,9 +32,7 @@ std::vector<std::string> fieldsOf(const MessageLayout &message)
     std::vector<std::string> fields;
     for (const FieldLayout &field : message.fields) {
         if (field.kind != aaanc::FieldKind::Reserved) {
-            fields.push_back(std::string(field.name) + ' ' + std::to_string(field.offset) + ' ' +
-                             std::to_string(field.size) +
-                             (field.kind == aaanc::FieldKind::Text ? " text" : " number"));
+            fields.push_back(asText(field, field.kind == aaanc::FieldKind::Text));
         }
     }
     return fields;

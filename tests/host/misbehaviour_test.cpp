@@ -208,6 +208,7 @@ std::vector<std::string> socketsOf(pid_t process)
          std::filesystem::directory_iterator(fmt::format("/proc/{}/fd", process))) {
         std::error_code closed; // since it was listed
         const std::string target = std::filesystem::read_symlink(entry.path(), closed);
+        EXPECT_TRUE(!closed || closed == std::errc::no_such_file_or_directory) << closed.message();
         if (target.starts_with(kSocket)) {
             inodes.push_back(target.substr(kSocket.size(), target.size() - kSocket.size() - 1));
         }

@@ -3,6 +3,7 @@
 #include <set>
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 #include <gtest/gtest.h>
 
 #include "model/schema.hpp"

@@ -41,6 +41,10 @@ std::vector<std::string> quotedIn(std::string_view text)
     std::vector<std::string> words;
     for (std::size_t begin = 0; (begin = text.find('`')) != std::string_view::npos;) {
         const std::size_t end = text.find('`', begin + 1);
+        if (end == std::string_view::npos) {
+            ADD_FAILURE() << "a quote is not closed: " << text;
+            break;
+        }
         words.emplace_back(text.substr(begin + 1, end - begin - 1));
         text.remove_prefix(end + 1);
     }

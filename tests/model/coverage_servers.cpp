@@ -96,19 +96,20 @@ bool afterLastChange(const Story &s)
     return !s.endedEarly() && s.iterator_freed;
 }
 
-// How many leaves an entry of this callback's list has, where the changes are those of one
-// entry, its own and one of each leaf; else 0.
+// How many leaves an entry of this callback's list has, where the changes are one of an
+// entry itself and one of each leaf; else 0.
 std::size_t wholeEntry(const Story &s)
 {
     const auto schema =
         std::find_if(schemas().begin(), schemas().end(), [&](const Schema &candidate) {
             return candidate.callback == s.scenario.callback;
         });
-    std::set<std::string> missing;
+    const std::string &xpath = s.scenario.xpath;
+    std::set<std::string> missing = {xpath.substr(xpath.rfind('/') + 1)};
     for (const Node &node : schema->nodes)
         missing.insert(node.name());
     for (const Taken &taken : s.taken)
-        missing.erase(taken.leaf);
+        missing.erase(taken.leaf.substr(0, taken.leaf.find('[')));
     const std::size_t leaves = schema->nodes.size();
     return missing.empty() && s.taken.size() == leaves + 1 ? leaves : 0;
 }
