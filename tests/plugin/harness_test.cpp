@@ -143,12 +143,11 @@ TEST_F(ReadingAFile, NamesAFileThatIsNotThere)
 
 TEST_F(ReadingAFile, ExpandsAndUnescapesTexts)
 {
-    const auto cases = read("callback /orvek-aaa:sysAaa/aaaGlobal event 1\n"
-                            "let A = /a:b\n"
-                            "== a ==\n"
-                            "created $A/c[k='\\|\\\\']|18|x\\x20\\\"$(ab*3)\n"
-                            "change 7 old=\\N|18|\\N new=-\n"
-                            "result -1\n");
+    const auto cases = read(kCallback + "let A = /a:b\n"
+                                        "== a ==\n"
+                                        "created $A/c[k='\\|\\\\']|18|x\\x20\\\"$(ab*3)\n"
+                                        "change 7 old=\\N|18|\\N new=-\n"
+                                        "result -1\n");
     const auto &changes = cases.at(0).scenario.changes;
     EXPECT_EQ(changes.at(0).new_value->xpath, "/a:b/c[k='|\\']");
     EXPECT_EQ(std::get<std::string>(changes.at(0).new_value->data), "x \"ababab");
@@ -160,19 +159,18 @@ TEST_F(ReadingAFile, ExpandsAndUnescapesTexts)
 
 TEST_F(ReadingAFile, BlocksStandWhereTheyAreUsed)
 {
-    const auto cases = read("callback /orvek-aaa:sysAaa/aaaGlobal event 1\n"
-                            "block two changes\n"
-                            "  created $A/b|18|x\n"
-                            "  deleted $A/b|18|x\n"
-                            "block a request\n"
-                            "  request 5 set\n"
-                            "    accountInterval 15\n"
-                            "== a ==\n"
-                            "let A = /a:b\n"
-                            "use two changes\n"
-                            "use a request\n"
-                            "  answer 9\n"
-                            "result 0\n");
+    const auto cases = read(kCallback + "block two changes\n"
+                                        "  created $A/b|18|x\n"
+                                        "  deleted $A/b|18|x\n"
+                                        "block a request\n"
+                                        "  request 5 set\n"
+                                        "    accountInterval 15\n"
+                                        "== a ==\n"
+                                        "let A = /a:b\n"
+                                        "use two changes\n"
+                                        "use a request\n"
+                                        "  answer 9\n"
+                                        "result 0\n");
     EXPECT_EQ(cases.at(0).scenario.changes.size(), 2U);
     EXPECT_EQ(cases.at(0).scenario.changes[1].old_value->xpath, "/a:b/b");
     EXPECT_EQ(cases.at(0).requests.size(), 1U);
@@ -181,15 +179,14 @@ TEST_F(ReadingAFile, BlocksStandWhereTheyAreUsed)
 
 TEST_F(ReadingAFile, CasesShareWhatStandsBeforeThem)
 {
-    const auto cases = read("callback /orvek-aaa:sysAaa/aaaGlobal event 1\n"
-                            "log-level 3\n"
-                            "let A = 1\n"
-                            "== a ==\n"
-                            "log-level 2\n"
-                            "let A = 2\n"
-                            "result $A\n"
-                            "== b ==\n"
-                            "result $A\n");
+    const auto cases = read(kCallback + "log-level 3\n"
+                                        "let A = 1\n"
+                                        "== a ==\n"
+                                        "log-level 2\n"
+                                        "let A = 2\n"
+                                        "result $A\n"
+                                        "== b ==\n"
+                                        "result $A\n");
     EXPECT_EQ(cases.at(0).scenario.log_level, 2);
     EXPECT_EQ(cases.at(0).result, 2);
     EXPECT_EQ(cases.at(1).scenario.log_level, 3);
